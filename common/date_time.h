@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <functional>
+
+/** The formats of every date and time that is written or read, all local time, and the clock. */
+namespace Time
+{
+extern const QString ISO_8601_DATE_TIME_FORMAT_MS;  ///< "yyyy-MM-dd hh:mm:ss.zzz"
+extern const QString ISO_8601_DATE_TIME_FORMAT;     ///< "yyyy-MM-dd hh:mm:ss"
+extern const QString ISO_8601_DATE_FORMAT;          ///< "yyyy-MM-dd"
+extern const QString ISO_8601_TIME_FORMAT_MS;       ///< "hh:mm:ss.zzz"
+extern const QString ISO_8601_TIME_FORMAT;          ///< "hh:mm:ss"
+
+/** The present local time. Everything that asks for the time asks here. */
+QDateTime now();
+
+/** Puts another clock behind now(), for tests and time lapse; an empty function restores the real one. */
+void set_clock(std::function<QDateTime()> clock);
+}  // namespace Time
