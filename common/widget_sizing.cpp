@@ -1,0 +1,100 @@
+#include "common/widget_sizing.h"
+
+#include <QCheckBox>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+
+namespace
+{
+void pin_width(QWidget* widget, int width)
+{
+    widget->setMinimumWidth(width);
+    widget->setMaximumWidth(width);
+}
+
+/** A pinned width counts before the layout has run; width() is then still a default. */
+int available_width(const QWidget* widget)
+{
+    const bool pinned = widget->minimumWidth() == widget->maximumWidth();
+    return pinned ? widget->minimumWidth() : widget->width();
+}
+
+QString shown_text(const QWidget* widget)
+{
+    if (const auto* label = qobject_cast<const QLabel*>(widget))
+        return label->text();
+    if (const auto* button = qobject_cast<const QPushButton*>(widget))
+        return button->text();
+    if (const auto* line_edit = qobject_cast<const QLineEdit*>(widget))
+        return line_edit->text();
+    if (const auto* check_box = qobject_cast<const QCheckBox*>(widget))
+        return check_box->text();
+    if (const auto* spin_box = qobject_cast<const QSpinBox*>(widget))
+        return spin_box->text();
+    return QString();
+}
+
+int text_width_limit(const QWidget* widget)
+{
+    const int available = available_width(widget);
+    if (qobject_cast<const QPushButton*>(widget) != nullptr)
+        return available - 23;
+    // The indicator is about as wide as the box is high.
+    if (qobject_cast<const QCheckBox*>(widget) != nullptr)
+        return available - widget->height();
+    return available;
+}
+}  // namespace
+
+void set_width_to_widest(QList<QWidget*> widgets, int extra)
+{
+    int widest = 0;
+    for (const QWidget* widget : qAsConst(widgets))
+        widest = qMax(widest, widget->minimumSizeHint().width());
+    for (QWidget* widget : qAsConst(widgets))
+        pin_width(widget, widest + extra);
+}
+
+void set_width_in_ems(QWidget* widget, int ems, bool fit_text)
+{
+    pin_width(widget, QFontMetrics(widget->font()).horizontalAdvance('m') * ems);
+    if (fit_text)
+        fit_font_to_width(widget, -1, 4);
+}
+
+void fit_font_to_width(QWidget* widget, int point_size, int min_point_size)
+{
+    QFont font = widget->font();
+    if (point_size != -1)
+        font.setPointSize(point_size);
+    const QString text = shown_text(widget);
+    const int limit = text_width_limit(widget);
+    while (font.pointSize() > min_point_size && QFontMetrics(font).horizontalAdvance(text) > limit)
+        font.setPointSize(font.pointSize() - 1);
+    widget->setFont(font);
+}
+
+void set_elided_text(QLabel* label, QString text, QString tooltip)
+{
+    const int available = available_width(label);
+    const QFontMetrics metrics(label->font());
+    const auto fits = [&](const QString& candidate) {
+        return available > metrics.size(Qt::TextSingleLine, candidate).width();
+    };
+    if (fits(text)) {
+        label->setText(text);
+        label->setToolTip(tooltip);
+        return;
+    }
+    for (int n = text.size(); n >= 0; --n) {
+        const QString cut = text.left(n) + "...";
+        if (!fits(cut))
+            continue;
+        label->setText(cut);
+        label->setToolTip(tooltip.isEmpty() ? text : text + "\n" + tooltip);
+        return;
+    }
+}
