@@ -1,0 +1,235 @@
+#include <QDir>
+#include <QDirIterator>
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace
+{
+/** What a folder may include besides itself, by folder. */
+const QMap<QString, QStringList> MAY_INCLUDE = {
+    {"common", {}},
+    {"charts", {"common"}},
+    {"device", {"common"}},
+    {"config", {"common"}},
+    {"report", {"common", "charts"}},
+    {"station", {"common", "charts", "device", "config", "report", "dialogs"}},
+    {"dialogs", {"common", "charts", "device", "config", "report", "station"}},
+    {"app", {"common", "charts", "device", "config", "report", "station", "dialogs"}},
+};
+
+/** Files that may be longer than their kind, with the reason, and the number of their lines. */
+const QMap<QString, int> LONGER_FILES = {
+    {"station/test_station.h", 260},  // the floor plan of a class in several rooms
+};
+constexpr int LONGEST_SOURCE = 399;
+constexpr int LONGEST_HEADER = 149;
+
+const QDir ROOT(KEST_SOURCE_DIR);
+
+QString contents(const QString& path)
+{
+    QFile file(ROOT.filePath(path));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/** The files of all folders with the ending, "common/text.h" for one, in the order of the names. */
+QStringList product_files(const QString& ending)
+{
+    QStringList files;
+    for (const QString& folder : MAY_INCLUDE.keys()) {
+        QDirIterator names(ROOT.filePath(folder), {"*" + ending}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (names.hasNext())
+            files << ROOT.relativeFilePath(names.next());
+    }
+    files.sort();
+    return files;
+}
+
+void add_file_rows(const QStringList& endings)
+{
+    QTest::addColumn<QString>("path");
+    for (const QString& ending : endings)
+        for (const QString& path : product_files(ending))
+            QTest::newRow(qPrintable(path)) << path;
+}
+
+/**
+ * What a source includes by quotes, and by brackets if it is ours; of a form the headers of its
+ * custom widgets.
+ */
+QStringList includes_in(const QString& text)
+{
+    static const QString pattern =
+        QString("^[ \\t]*#[ \\t]*include[ \\t]*(?:\"([^\"\\n]+)\"|<((?:%1)/[^>\\n]+)>)"
+                "|<header[^>]*>([^<]+)</header>");
+    static const QRegularExpression include(pattern.arg(MAY_INCLUDE.keys().join('|')),
+                                            QRegularExpression::MultilineOption);
+    QStringList names;
+    QRegularExpressionMatchIterator matches = include.globalMatch(text);
+    while (matches.hasNext()) {
+        const QRegularExpressionMatch match = matches.next();
+        names << match.captured(match.lastCapturedIndex());
+    }
+    return names;
+}
+
+/** Whether a file of the folder may include the name: "common/text.h", or "ui_about.h" at home. */
+bool may_include(const QString& folder, const QString& name)
+{
+    static const QRegularExpression form_header("^ui_(\\w+)\\.h$");
+    const QRegularExpressionMatch form = form_header.match(name);
+    if (form.hasMatch())
+        return ROOT.exists(folder + "/" + form.captured(1) + ".ui");
+
+    const QString included_folder = name.section('/', 0, 0);
+    return included_folder == folder || MAY_INCLUDE[folder].contains(included_folder);
+}
+
+QStringList forbidden_includes(const QString& folder, const QString& text)
+{
+    QStringList forbidden;
+    for (const QString& name : includes_in(text))
+        if (!may_include(folder, name))
+            forbidden << name;
+    return forbidden;
+}
+}  // namespace
+
+class IncludeRulesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_file_includes_only_what_its_folder_may_data();
+    void a_file_includes_only_what_its_folder_may();
+    void a_header_begins_with_pragma_once_data();
+    void a_header_begins_with_pragma_once();
+    void a_file_is_short_data();
+    void a_file_is_short();
+    void every_folder_is_read();
+    void an_include_is_judged_by_its_folder_data();
+    void an_include_is_judged_by_its_folder();
+    void nobody_includes_app();
+};
+
+void IncludeRulesTest::a_file_includes_only_what_its_folder_may_data()
+{
+    add_file_rows({".h", ".cpp", ".ui"});
+}
+
+void IncludeRulesTest::a_file_includes_only_what_its_folder_may()
+{
+    QFETCH(QString, path);
+    const QStringList forbidden = forbidden_includes(path.section('/', 0, 0), contents(path));
+    QCOMPARE(forbidden.join(", "), QString());
+}
+
+void IncludeRulesTest::a_header_begins_with_pragma_once_data()
+{
+    add_file_rows({".h"});
+}
+
+void IncludeRulesTest::a_header_begins_with_pragma_once()
+{
+    QFETCH(QString, path);
+    QCOMPARE(contents(path).section('\n', 0, 0), QString("#pragma once"));
+}
+
+void IncludeRulesTest::a_file_is_short_data()
+{
+    add_file_rows({".h", ".cpp"});
+}
+
+void IncludeRulesTest::a_file_is_short()
+{
+    QFETCH(QString, path);
+    const int kind_limit = path.endsWith(".h") ? LONGEST_HEADER : LONGEST_SOURCE;
+    const int limit = LONGER_FILES.value(path, kind_limit);
+    const int lines = contents(path).count('\n');
+    QVERIFY2(lines <= limit,
+             qPrintable(QString("%1 lines, %2 are the most").arg(lines).arg(limit)));
+}
+
+void IncludeRulesTest::every_folder_is_read()
+{
+    for (const QString& folder : MAY_INCLUDE.keys())
+        QVERIFY2(ROOT.exists(folder), qPrintable(folder));
+    QVERIFY(product_files(".cpp").contains("app/main.cpp"));
+    QVERIFY(product_files(".h").contains("common/parse_int.h"));
+}
+
+void IncludeRulesTest::an_include_is_judged_by_its_folder_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QStringList>("forbidden");
+
+    const QStringList none;
+    QTest::newRow("own folder") << "charts"
+                                << "#include \"charts/axis.h\"\n"
+                                << none;
+    QTest::newRow("helper") << "charts"
+                            << "#include \"common/text.h\"\n"
+                            << none;
+    QTest::newRow("Qt") << "charts"
+                        << "#include <QString>\n#include <cmath>\n"
+                        << none;
+    QTest::newRow("system") << "device"
+                            << "#include <sys/ioctl.h>\n"
+                            << none;
+    QTest::newRow("station and dialogs") << "station"
+                                         << "#include \"dialogs/about.h\"\n"
+                                         << none;
+    QTest::newRow("report of charts") << "report"
+                                      << "#include \"charts/axis.h\"\n"
+                                      << none;
+    QTest::newRow("charts of report") << "charts"
+                                      << "#include \"report/string_grid.h\"\n"
+                                      << QStringList("report/string_grid.h");
+    QTest::newRow("common of config") << "common"
+                                      << "#include \"config/settings.h\"\n"
+                                      << QStringList("config/settings.h");
+    QTest::newRow("second line, odd spacing")
+        << "device"
+        << "#pragma once\n  # include\t\"station/phase.h\"  // why\n"
+        << QStringList("station/phase.h");
+    QTest::newRow("in brackets") << "device"
+                                 << "#include <station/phase.h>\n"
+                                 << QStringList("station/phase.h");
+    QTest::newRow("without folder") << "charts"
+                                    << "#include \"axis.h\"\n"
+                                    << QStringList("axis.h");
+    QTest::newRow("upwards") << "charts"
+                             << "#include \"../common/text.h\"\n"
+                             << QStringList("../common/text.h");
+    QTest::newRow("test support") << "app"
+                                  << "#include \"support/test_clock.h\"\n"
+                                  << QStringList("support/test_clock.h");
+    QTest::newRow("form of nobody") << "charts"
+                                    << "#include \"ui_nothing.h\"\n"
+                                    << QStringList("ui_nothing.h");
+    QTest::newRow("custom widget of a form")
+        << "config"
+        << "<class>X</class>\n   <header>charts/paint_box.h</header>\n"
+        << QStringList("charts/paint_box.h");
+    QTest::newRow("in a comment") << "charts"
+                                  << "// #include \"app/main_window.h\"\n"
+                                  << none;
+}
+
+void IncludeRulesTest::an_include_is_judged_by_its_folder()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, text);
+    QTEST(forbidden_includes(folder, text), "forbidden");
+}
+
+void IncludeRulesTest::nobody_includes_app()
+{
+    for (const QString& folder : MAY_INCLUDE.keys())
+        QCOMPARE(may_include(folder, "app/main_window.h"), folder == "app");
+}
+
+QTEST_GUILESS_MAIN(IncludeRulesTest)
+#include "tst_include_rules.moc"
