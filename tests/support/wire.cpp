@@ -1,0 +1,123 @@
+#include "support/wire.h"
+
+#include "device/kestrometer.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+constexpr int TIMEOUT_MS = 10000;
+
+const QByteArray MARKER = "\xFF<end>\xFF";
+
+/** Counts what a port reads, and sees when the port's owner has taken it. */
+class Watcher
+{
+public:
+    explicit Watcher(QSerialPort& port)
+    {
+        QObject::connect(&port, &QSerialPort::readyRead, &context, [this, &port] {
+            arrived += port.bytesAvailable() - unread;
+            unread = port.bytesAvailable();
+            ++announced;
+        });
+        // Queued behind the owner's own queued slot, and so called after it.
+        QObject::connect(
+            &port, &QSerialPort::readyRead, &context,
+            [this] {
+                unread = 0;
+                ++handled;
+            },
+            Qt::QueuedConnection);
+    }
+
+    bool has_taken(qint64 count) const
+    {
+        return arrived >= count && handled == announced;
+    }
+
+private:
+    QObject context;
+    qint64 arrived = 0;
+    qint64 unread = 0;
+    int announced = 0;
+    int handled = 0;
+};
+}  // namespace
+
+bool spin_until(const std::function<bool()>& done)
+{
+    bool late = false;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&late] { late = true; });
+    timer.setSingleShot(true);
+    timer.start(TIMEOUT_MS);
+    while (!done() && !late)
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    return done();
+}
+
+Wire::Wire()
+{
+    QString error;
+    if (!terminal.open(error))
+        qFatal("%s", qPrintable(error));
+    // Before the application opens the port, which it then has for itself.
+    marker_end = ::open(terminal.path().toLocal8Bit().constData(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
+}
+
+Wire::~Wire()
+{
+    hang_up();
+}
+
+QString Wire::port_name() const
+{
+    return terminal.port_name();
+}
+
+bool Wire::send(const QByteArray& line, Kestrometer& instrument)
+{
+    return send_bytes(line + "\r\n", instrument);
+}
+
+bool Wire::send_bytes(const QByteArray& bytes, Kestrometer& instrument)
+{
+    Watcher watcher(instrument.port);
+    qint64 sent = 0;
+    while (sent < bytes.size()) {
+        // The line takes a few kilobytes at a time.
+        const qint64 taken = terminal.write(bytes.mid(int(sent)));
+        sent += taken;
+        if (taken == 0 || !spin_until([&] { return watcher.has_taken(sent); }))
+            return false;
+    }
+    return true;
+}
+
+QByteArray Wire::commands()
+{
+    QByteArray bytes;
+    if (::write(marker_end, MARKER.constData(), size_t(MARKER.size())) != MARKER.size())
+        return bytes;
+    while (!bytes.endsWith(MARKER)) {
+        const QByteArray more = terminal.read(1, TIMEOUT_MS);
+        if (more.isEmpty())
+            return bytes;
+        bytes += more;
+    }
+    bytes.chop(MARKER.size());
+    return bytes;
+}
+
+void Wire::hang_up()
+{
+    if (marker_end >= 0)
+        ::close(marker_end);
+    marker_end = -1;
+    terminal.close();
+}
