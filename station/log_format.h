@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+/** The texts of the two logs, to the byte: what a test writes, apart from when and where. */
+namespace LogFormat
+{
+/** A test's parameters as the head of a log section shows them. */
+struct Section
+{
+    int number = 0;
+    QDateTime start;
+    int max_charge_time = 0;  ///< seconds; written in whole hours, truncated
+    bool detect_full_charge = false;
+    double low_voltage_cutoff = 0.0;  ///< volts
+    bool prompt_to_discharge = false;
+    double final_voltage = 0.0;  ///< volts
+    bool measure_internal_resistance = false;
+    double internal_resistance_test_interval_ah = 0.0;  ///< written only if resistance is measured
+};
+
+/** The three lines at the head of a data log. */
+QString file_header(const QString& battery_name, const QString& serial_number);
+
+/** Head and column titles of a charge; the software version stands in charges only. */
+QString charge_section_header(const Section& section);
+
+/** Head and column titles of a discharge. */
+QString discharge_section_header(const Section& section);
+
+/** One row of a charge: seconds since the section began, volts. */
+QString charge_row(double time, double voltage);
+
+/**
+ * One row of a discharge: seconds since the section began, amp-hours so far, volts, amps.
+ *
+ * @param ir ohms, although the column's title says milliohms; left out when it is exactly 0.0
+ */
+QString discharge_row(double time, double amp_hours, double voltage, double current, double ir);
+
+/** One line of the event log. */
+QString event_line(const QDateTime& time, const QString& text);
+}  // namespace LogFormat

@@ -1,0 +1,54 @@
+#include "station/test_station.h"
+
+#include "ui_test_station.h"
+
+#include "config/settings.h"
+#include "device/kestrometer.h"
+
+QList<TestStation*> TestStation::all_instances;
+int TestStation::num_previews = 0;
+LineChart TestStation::voltage_vs_amphours_chart;
+LineChart TestStation::current_vs_amphours_chart;
+LineChart TestStation::internal_resistance_chart;
+
+TestStation::TestStation(QWidget* parent, Kestrometer* instrument)
+    : QFrame(parent),
+      ui(new Ui::TestStation),
+      kestrometer(instrument),
+      log_dir(Settings::get_log_dir())
+{
+    all_instances.append(this);
+    ui->setupUi(this);
+    if (kestrometer == nullptr)
+        preview_number = ++num_previews;
+    set_up_panel();
+}
+
+TestStation::~TestStation()
+{
+    if (kestrometer != nullptr) {
+        kestrometer->set_state(Off);
+        delete kestrometer;
+        kestrometer = nullptr;
+    }
+    unload_test_data();
+    ui.reset();
+    all_instances.removeAll(this);
+}
+
+QString TestStation::get_id() const
+{
+    return kestrometer != nullptr ? QString("Station %1").arg(kestrometer->id)
+                                  : QString("Preview %1").arg(preview_number);
+}
+
+QString TestStation::get_short_id() const
+{
+    return kestrometer != nullptr ? QString("S%1").arg(kestrometer->id)
+                                  : QString("P%1").arg(preview_number);
+}
+
+QString TestStation::get_port_name() const
+{
+    return kestrometer != nullptr ? kestrometer->get_port_name() : QString("Preview Only");
+}

@@ -1,0 +1,229 @@
+#pragma once
+
+#include "charts/line_chart.h"
+#include "station/phase.h"
+#include "station/test_cycle.h"
+
+#include <QColor>
+#include <QDateTime>
+#include <QFrame>
+#include <QList>
+
+#include <memory>
+
+class Kestrometer;
+class QFile;
+
+namespace Ui
+{
+class TestStation;
+}
+
+/** One battery under test: its instrument, its phases, its logs and its panel. */
+class TestStation : public QFrame
+{
+    Q_OBJECT
+
+public:
+    // ---- test_station.cpp: life and identity ------------------------------
+    /** Takes `instrument` over; null makes a preview station, which only shows logs. */
+    TestStation(QWidget* parent, Kestrometer* instrument);
+    ~TestStation() override;
+
+    /** "Station 31" by the instrument's number, or "Preview 1". */
+    QString get_id() const;
+    /** "S31" or "P1". */
+    QString get_short_id() const;
+    /** The instrument's port, or "Preview Only". */
+    QString get_port_name() const;
+
+    static QList<TestStation*> all_instances;  ///< every station, oldest first until sorted
+    static int num_previews;                   ///< preview stations made so far
+    static LineChart voltage_vs_amphours_chart;
+    static LineChart current_vs_amphours_chart;
+    static LineChart internal_resistance_chart;
+
+    // ---- test_station_progress.cpp: how far the test has come ---------------
+    /** Place of the current cycle counted from 1; 0 before the first discharge. */
+    int get_cycle_number() const;
+    Phase get_phase() const;
+    /** While a charge leg runs; a charge test does not count. */
+    bool charging() const;
+    QString phase_to_string(Phase which) const;
+    /** Mean over every resistance point of every cycle, as "123 mΩ"; "? mΩ" when there is none. */
+    QString get_avg_internal_resistance_string() const;
+
+    // ---- test_station_engine.cpp: one telemetry line, one change of phase ---
+    /** Logs the reason, begins the leg or cycle, and commands the instrument. */
+    void set_phase(Phase new_phase, const QString& reason);
+
+public slots:
+    void slot_measurement();
+    void slot_id_change();
+
+private:
+    void enter_phase(Phase new_phase);
+    void begin_charge_leg();
+    void begin_discharge();
+    void begin_cycle();
+    void arm_charge_test_timer();
+    void record_measurement();
+    void record_charge(double time);
+    void record_discharge(double time, double elapsed);
+    void check_transitions();
+
+    // ---- test_station_resistance.cpp: the load's short absences -------------
+    bool internal_resistance_test_due() const;
+    void begin_internal_resistance_test();
+    /** @return the resistance in ohms if this very line completed the test, else 0 */
+    double check_internal_resistance_test();
+    void check_internal_resistance_recovery();
+    /** Puts the readings from before the test in place of the live ones. */
+    void freeze_readings();
+    void check_discharge();
+
+    // ---- test_station_charge.cpp: when a charge ends ------------------------
+public:
+    bool max_charge_time_exceeded() const;
+    /** Whether the voltage rose by 0.0 to 0.1 V over the last 600 samples of this leg. */
+    bool voltage_has_leveled_off() const;
+    /** @return false if the leg has fewer than 60 samples for each of the `minutes` */
+    bool delta_voltage(int minutes, double& delta) const;
+
+private:
+    bool first_discharge_done() const;
+    bool charge_test_due() const;
+    void end_charge(const QString& cause);
+    void check_charge();
+    void check_leveled_charge();
+    void check_full_charge_test();
+    void check_final_charge();
+    void check_final_charge_test();
+
+    // ---- test_station_operator.cpp: the operator's buttons ------------------
+public:
+    void lock_controls();
+    void unlock_controls();
+
+private slots:
+    void on_pbStartSkip_clicked();
+    void on_pbNewTest_clicked();
+    void on_pbClose_clicked();
+    void on_sbNumberOfCycles_valueChanged(int value);
+
+private:
+    void start_or_resume();
+    bool start_warnings_accepted() const;
+    void skip_discharge();
+    void extend_finished_test();
+
+    // ---- test_station_log_writer.cpp: the two log files ---------------------
+public:
+    /** Opens both logs. False if the operator cancels, or if a file fails, which is then shown. */
+    bool begin_log();
+    void write_data_log_header();
+    void write_charge_cycle_header();
+    void write_discharge_cycle_header();
+    void append_data_log(double time, double voltage);
+    /** @param ir ohms; 0.0 for none */
+    void append_data_log(double time, double amp_hours, double voltage, double current, double ir);
+    /** Time-stamped; lost without an open event log. */
+    void append_text_log(const QString& text);
+    /** Copies a log into the PDF directory; shows a failure. */
+    void archive_file(QFile* file);
+    /** Opens the two logs for writing; shows a failure and then unloads all. */
+    bool ui_safe_open_log();
+    /** Ends the test: cycles deleted, logs closed, instrument off, parameters kept. */
+    void unload_test_data();
+    void set_log_all_telemetry(bool on);
+
+private:
+    struct LogPaths;
+    bool choose_log_paths(LogPaths& paths) const;
+    bool reject_log();
+    void delete_cycles();
+
+    // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
+public:
+    void set_widget_sizes();
+
+private:
+    void set_up_panel();
+    void set_up_validators();
+    void set_up_parameters();
+    void set_summary_fonts();
+    void pin_label_heights();
+
+    // ---- test_station_display.cpp: every label at every moment --------------
+public:
+    /** Writes the parameters into the controls. */
+    void populate_ui();
+    /** Refreshes whatever is derived from the test's state. */
+    void update_ui();
+
+public slots:
+    void slot_blink(bool on);
+
+private:
+    void show_start_skip(StartSkip button);
+    void show_name_warnings();
+    void show_totals();
+    void show_voltage();
+    void show_current(const QDateTime& now);
+    void blink_next_button();
+    void show_instrument_health();
+
+    // ---- test_station_edits.cpp: what the operator types ---------------------
+private slots:
+    void on_pbExpandCollapse_clicked();
+    void on_pbDirectory_clicked();
+    void on_leProfileName_textEdited(const QString& text);
+    void on_leSerialNumber_textEdited(const QString& text);
+    void on_leMaxChargeTime_textEdited();
+    void on_leLowVoltageCutoff_textEdited();
+    void on_leFinalCharge_textEdited();
+    void on_leInternalResistanceTestIntervalAh_textEdited();
+    void on_cbDetectFullCharge_stateChanged(int state);
+    void on_cbPromptToDischarge_stateChanged(int state);
+    void on_cbMeasureInternalResistance_stateChanged(int state);
+
+signals:
+    void sig_id_change();
+    void sig_max_cycle_change();
+    void sig_close_request(TestStation* station);
+    void sig_repaint_chart_request();
+
+public:
+    // ---- shared data: parameters of the test --------------------------------
+    int charge_test_interval = 300;  ///< seconds between charge tests
+    int preview_number = 0;          ///< counted from 1; 0 with an instrument
+    bool prompt_to_discharge = false;
+    bool detect_full_charge = false;
+    bool measure_internal_resistance = true;
+    double internal_resistance_test_interval_ah = 0.5;
+    int max_charge_time = 21600;       ///< seconds; the panel shows hours
+    double low_voltage_cutoff = 19.0;  ///< volts
+
+    // ---- shared data: the engine, the instrument and the logs ---------------
+    Series charge_voltage_series;  ///< present charge leg: x seconds since it began, y volts
+    QColor color = Qt::black;      ///< of the station's curves
+    std::unique_ptr<Ui::TestStation> ui;
+    Kestrometer* kestrometer = nullptr;  ///< owned; null in a preview
+    QString log_dir;
+    QString profile_name;  ///< name of the battery
+    bool serial_number_edited = false;
+    QString serial_number;
+    double final_voltage = 0.0;  ///< volts at which the last charge may stop
+    int number_of_cycles = 1;
+    QFile* data_log = nullptr;  ///< owned; a test runs only while this is not null
+    QFile* text_log = nullptr;  ///< owned
+    QDateTime leg_start_time;   ///< start of the present charge or discharge
+    Phase phase = PHASE_IDLE;
+    TestCycle* current_cycle = nullptr;  ///< in progress or last finished; one of `cycles`
+    double next_ir_check_ah = 0.0;       ///< amp-hours at which the next resistance test starts
+    QDateTime next_charge_test_timeout;
+    double ir_test_voltage = 0.0;      ///< volts under load, when the resistance test started
+    double ir_test_current = 0.0;      ///< amps, likewise
+    double charge_test_voltage = 0.0;  ///< volts when the full charge test started
+    QList<TestCycle*> cycles;          ///< owned, oldest first
+};

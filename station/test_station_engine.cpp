@@ -1,0 +1,205 @@
+#include "station/test_station.h"
+
+#include "ui_test_station.h"
+
+#include "common/date_time.h"
+#include "device/kestrometer.h"
+
+#include <QPen>
+
+namespace
+{
+// At or below this a discharge row would show no current; the totals grow all the same.
+constexpr double LEAST_SAMPLED_CURRENT = 0.01;
+}  // namespace
+
+void TestStation::set_phase(Phase new_phase, const QString& reason)
+{
+    append_text_log(
+        QString("Switching to phase %1 because %2").arg(phase_to_string(new_phase), reason));
+    enter_phase(new_phase);
+    phase = new_phase;
+    const PhaseTraits& traits = traits_of(phase);
+    show_start_skip(traits.button);
+    if (kestrometer != nullptr && traits.command != no_command)
+        kestrometer->set_state(traits.command);
+    update_ui();
+}
+
+void TestStation::enter_phase(Phase new_phase)
+{
+    switch (new_phase) {
+    case PHASE_CHARGING:
+        begin_charge_leg();
+        break;
+    case PHASE_CHARGING_LEVELED:
+        arm_charge_test_timer();
+        break;
+    case PHASE_DISCHARGING:
+        // Back from a resistance test the discharge goes on in the same cycle.
+        if (phase != PHASE_IR_RECOVERY)
+            begin_discharge();
+        break;
+    case PHASE_FINAL_CHARGE:
+        // Interrupted by a final charge test alone, the charge stays one leg with one header.
+        if (phase != PHASE_FINAL_CHARGE_TEST)
+            begin_charge_leg();
+        arm_charge_test_timer();
+        break;
+    case PHASE_IDLE:
+    case PHASE_FULL_CHARGE_TEST:
+    case PHASE_READY_FOR_DISCHARGE:
+    case PHASE_IR_TEST:
+    case PHASE_IR_RECOVERY:
+    case PHASE_FINAL_CHARGE_TEST:
+    case PHASE_DONE:
+        break;
+    }
+}
+
+void TestStation::begin_charge_leg()
+{
+    charge_voltage_series.points.clear();
+    leg_start_time = Time::now();
+    write_charge_cycle_header();
+}
+
+void TestStation::begin_discharge()
+{
+    begin_cycle();
+    leg_start_time = Time::now();
+    current_cycle->start_time = leg_start_time;
+    write_discharge_cycle_header();
+    next_ir_check_ah = internal_resistance_test_interval_ah;
+    emit sig_max_cycle_change();
+}
+
+void TestStation::begin_cycle()
+{
+    charge_voltage_series.points.clear();
+    current_cycle = new TestCycle;
+    cycles.append(current_cycle);
+    ui->laCycleNumber->setText(
+        QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
+
+    struct Curve
+    {
+        Series& series;
+        LineChart& chart;
+    };
+    const Curve curves[] = {
+        {current_cycle->voltage_vs_amphours, voltage_vs_amphours_chart},
+        {current_cycle->current_vs_amphours, current_vs_amphours_chart},
+        {current_cycle->internal_resistance, internal_resistance_chart},
+    };
+    for (const Curve& curve : curves)
+        curve.series.pen = QPen(color);
+    for (const Curve& curve : curves)
+        curve.series.set_axes(&curve.chart.bottom_axis, &curve.chart.left_axis);
+    emit sig_max_cycle_change();
+}
+
+void TestStation::arm_charge_test_timer()
+{
+    next_charge_test_timeout = Time::now().addSecs(charge_test_interval);
+}
+
+void TestStation::slot_measurement()
+{
+    if (data_log != nullptr) {
+        record_measurement();
+        check_transitions();
+    }
+    update_ui();
+}
+
+void TestStation::record_measurement()
+{
+    const QDateTime& arrival = kestrometer->last_data_time;
+    const double elapsed = double(kestrometer->previous_data_time.msecsTo(arrival)) / 1000.0;
+    const double time = double(leg_start_time.msecsTo(arrival)) / 1000.0;
+    switch (traits_of(phase).sample) {
+    case Sample::Charge:
+        record_charge(time);
+        break;
+    case Sample::Discharge:
+        record_discharge(time, elapsed);
+        break;
+    case Sample::None:
+        break;
+    }
+}
+
+void TestStation::record_charge(double time)
+{
+    charge_voltage_series.add(time, kestrometer->voltage);
+    append_data_log(time, kestrometer->voltage);
+}
+
+void TestStation::record_discharge(double time, double elapsed)
+{
+    const double ir = phase == PHASE_IR_TEST ? check_internal_resistance_test() : 0.0;
+    if (phase == PHASE_IR_RECOVERY)
+        check_internal_resistance_recovery();
+    if (phase == PHASE_IR_TEST || phase == PHASE_IR_RECOVERY)
+        freeze_readings();
+
+    const double mean_i = (kestrometer->valid_current + kestrometer->current) * 0.5;
+    const double mean_v = (kestrometer->valid_voltage + kestrometer->voltage) * 0.5;
+    const double hours = elapsed / 3600.0;
+    current_cycle->amp_hours += mean_i * hours;
+    current_cycle->watt_hours += mean_v * mean_i * hours;
+
+    if (!(kestrometer->current > LEAST_SAMPLED_CURRENT))
+        return;
+    const double amp_hours = current_cycle->amp_hours;
+    current_cycle->voltage_vs_amphours.add(amp_hours, kestrometer->voltage);
+    current_cycle->current_vs_amphours.add(amp_hours, kestrometer->current);
+    append_data_log(time, amp_hours, kestrometer->voltage, kestrometer->current, ir);
+}
+
+void TestStation::check_transitions()
+{
+    switch (phase) {
+    case PHASE_CHARGING:
+        check_charge();
+        break;
+    case PHASE_CHARGING_LEVELED:
+        check_leveled_charge();
+        break;
+    case PHASE_FULL_CHARGE_TEST:
+        check_full_charge_test();
+        break;
+    case PHASE_DISCHARGING:
+        check_discharge();
+        break;
+    case PHASE_FINAL_CHARGE:
+        check_final_charge();
+        break;
+    case PHASE_FINAL_CHARGE_TEST:
+        check_final_charge_test();
+        break;
+    case PHASE_IR_TEST:
+    case PHASE_IR_RECOVERY:
+        // Both look at the live readings, before the sample is taken.
+        break;
+    case PHASE_IDLE:
+    case PHASE_READY_FOR_DISCHARGE:
+    case PHASE_DONE:
+        // Only the operator leaves these.
+        break;
+    }
+}
+
+void TestStation::slot_id_change()
+{
+    if (data_log == nullptr)
+        return;
+    const QString name = QString::number(kestrometer->id);
+    for (TestCycle* cycle : cycles) {
+        cycle->voltage_vs_amphours.name = name;
+        cycle->current_vs_amphours.name = name;
+    }
+    emit sig_id_change();
+    emit sig_repaint_chart_request();
+}

@@ -1,0 +1,127 @@
+#include "station/test_station.h"
+
+#include "ui_test_station.h"
+
+#include "common/message_boxes.h"
+
+#include <QMessageBox>
+
+namespace
+{
+bool confirmed(const QString& title, const QString& text)
+{
+    return QMessageBox::question(nullptr, title, text, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+}  // namespace
+
+void TestStation::lock_controls()
+{
+    ui->cbProfile->setEnabled(false);
+    ui->pbDirectory->setEnabled(false);
+    ui->leProfileName->setEnabled(false);
+    ui->leSerialNumber->setEnabled(false);
+}
+
+void TestStation::unlock_controls()
+{
+    ui->cbProfile->setEnabled(true);
+    ui->pbDirectory->setEnabled(true);
+    ui->leProfileName->setEnabled(true);
+    ui->leSerialNumber->setEnabled(true);
+}
+
+void TestStation::on_pbStartSkip_clicked()
+{
+    switch (phase) {
+    case PHASE_IDLE:
+        start_or_resume();
+        break;
+    case PHASE_CHARGING:
+    case PHASE_CHARGING_LEVELED:
+    case PHASE_READY_FOR_DISCHARGE:
+        set_phase(PHASE_DISCHARGING, "User clicked 'Skip'");
+        break;
+    case PHASE_DISCHARGING:
+        skip_discharge();
+        break;
+    case PHASE_FINAL_CHARGE:
+        set_phase(PHASE_DONE, "User clicked 'Skip'");
+        break;
+    case PHASE_DONE:
+        extend_finished_test();
+        break;
+    case PHASE_FULL_CHARGE_TEST:
+    case PHASE_IR_TEST:
+    case PHASE_IR_RECOVERY:
+    case PHASE_FINAL_CHARGE_TEST:
+        show_error("The 'skip' button should not be clickable at this time.");
+        break;
+    }
+}
+
+void TestStation::start_or_resume()
+{
+    if (data_log != nullptr) {
+        // A log has been loaded: its test goes on, with the reason of a skip on purpose.
+        lock_controls();
+        set_phase(PHASE_CHARGING, "User clicked 'Skip'");
+        return;
+    }
+    if (!start_warnings_accepted())
+        return;
+    if (begin_log())
+        set_phase(PHASE_CHARGING, "User clicked 'Start'.");
+    else
+        show_error("Unable to create log file.");
+}
+
+bool TestStation::start_warnings_accepted() const
+{
+    if (!serial_number_edited &&
+        !confirmed("Confirm", "Warning: Serial number has not been edited. Continue anyway?"))
+        return false;
+    if (low_voltage_cutoff < 1.0 &&
+        !confirmed("Warning", "Low-voltage cutoff is < 1v. Continue anyway?"))
+        return false;
+    return max_charge_time > 59 ||
+           confirmed("Warning", "Max charge time is < 1 minute. Continue anyway?");
+}
+
+void TestStation::skip_discharge()
+{
+    const bool last = get_cycle_number() >= number_of_cycles;
+    set_phase(last ? PHASE_FINAL_CHARGE : PHASE_CHARGING, "User clicked 'Skip'");
+}
+
+void TestStation::extend_finished_test()
+{
+    if (get_cycle_number() >= number_of_cycles)
+        show_error("Please increase the number of cycles first.");
+    else
+        set_phase(PHASE_CHARGING, "User clicked 'Skip'");
+}
+
+void TestStation::on_pbNewTest_clicked()
+{
+    if (phase != PHASE_IDLE && phase != PHASE_DONE &&
+        QMessageBox::question(nullptr, "Are you sure?", "This will abort the test in progress.",
+                              QMessageBox::Ok | QMessageBox::Cancel,
+                              QMessageBox::Cancel) != QMessageBox::Ok)
+        return;
+    unload_test_data();
+}
+
+void TestStation::on_pbClose_clicked()
+{
+    emit sig_close_request(this);
+}
+
+void TestStation::on_sbNumberOfCycles_valueChanged(int value)
+{
+    number_of_cycles = value;
+    if (phase == PHASE_FINAL_CHARGE)
+        set_phase(PHASE_CHARGING, "user added a cycle");
+    update_ui();
+    ui->pbSaveProfile->setEnabled(true);
+}

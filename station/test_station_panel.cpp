@@ -1,0 +1,148 @@
+#include "station/test_station.h"
+
+#include "ui_test_station.h"
+
+#include "common/unicode.h"
+#include "common/widget_sizing.h"
+#include "config/settings.h"
+#include "device/kestrometer.h"
+
+#include <QDoubleValidator>
+
+namespace
+{
+int text_width(const QWidget* widget, const QString& text)
+{
+    return QFontMetrics(widget->font()).horizontalAdvance(text);
+}
+
+void pin_width(const QList<QWidget*>& widgets, int width)
+{
+    for (QWidget* widget : widgets)
+        widget->setFixedWidth(width);
+}
+
+void make_square(QWidget* button)
+{
+    const int side = button->minimumSizeHint().height();
+    button->setFixedSize(side, side);
+}
+}  // namespace
+
+// The order is meant: the check boxes' slots are connected from the start, so that setting a box
+// to the other state enables Save, whatever was disabled before.
+void TestStation::set_up_panel()
+{
+    ui->pbNewTest->setEnabled(kestrometer != nullptr);
+    ui->laStationID->setToolTip(get_port_name());
+    ui->laKestrometerStatus->setVisible(kestrometer != nullptr && Settings::get_show_debug_info());
+    for (QLabel* label : {ui->laKestrometerIsStuck, ui->laLostCommunication, ui->laNotCharging,
+                          ui->laNotDischarging})
+        label->setVisible(false);
+    ui->pbSaveProfile->setEnabled(false);
+    ui->pbDeleteProfile->setEnabled(false);
+    ui->cbProfile->clear();
+    ui->cbProfile->addItem("Select Profile...");
+    set_up_validators();
+    ui->cbDetectFullCharge->setEnabled(false);
+    ui->pbStartSkip->setEnabled(false);
+    if (kestrometer != nullptr) {
+        connect(kestrometer, &Kestrometer::sig_measurement, this, &TestStation::slot_measurement);
+        connect(kestrometer, &Kestrometer::sig_id_change, this, &TestStation::slot_id_change);
+    }
+    set_up_parameters();
+    populate_ui();
+    update_ui();
+    if (kestrometer == nullptr)
+        ui->leSerialNumber->setEnabled(false);
+    set_summary_fonts();
+    set_widget_sizes();
+    log_dir = Settings::get_log_dir();
+    set_elided_text(ui->laDirectory, log_dir, QString());
+}
+
+void TestStation::set_up_validators()
+{
+    struct Range
+    {
+        QLineEdit* edit;
+        double most;
+        int decimals;
+    };
+    const Range ranges[] = {
+        {ui->leMaxChargeTime, 1000.0, 1},
+        {ui->leLowVoltageCutoff, 100.0, 3},
+        {ui->leInternalResistanceTestIntervalAh, 100.0, 1},
+    };
+    for (const Range& range : ranges) {
+        auto* validator = new QDoubleValidator(0.0, range.most, range.decimals, this);
+        // What can be typed is what the conversion reads, also where a comma is the decimal point.
+        validator->setLocale(QLocale::c());
+        range.edit->setValidator(validator);
+    }
+}
+
+void TestStation::set_up_parameters()
+{
+    ui->cbDetectFullCharge->setChecked(detect_full_charge);
+    ui->cbPromptToDischarge->setChecked(prompt_to_discharge);
+    ui->cbMeasureInternalResistance->setChecked(kestrometer != nullptr &&
+                                                measure_internal_resistance);
+    ui->leInternalResistanceTestIntervalAh->setText(
+        QString::number(internal_resistance_test_interval_ah, 'g', 6));
+    ui->leInternalResistanceTestIntervalAh->setEnabled(measure_internal_resistance &&
+                                                       kestrometer != nullptr);
+}
+
+void TestStation::set_summary_fonts()
+{
+    const int points = int(1.2 * ui->laNotCharging->font().pointSize());
+    for (QLabel* label : {ui->laStationID, ui->laPhase, ui->laVoltage, ui->laCurrent,
+                          ui->laCummAmpHours2, ui->laCycleNumber})
+        label->setFont(QFont(label->font().family(), points));
+}
+
+void TestStation::set_widget_sizes()
+{
+    const int w = text_width(ui->laTestParameters, "12345678901234567890123");
+    const int h = ui->laTestParameters->minimumSizeHint().height();
+    const int c = ui->laMaxChargeTime->minimumSizeHint().width();
+    const int i = w - c - ui->gridLayout->spacing();
+    const int t = ui->horizontalLayout_7->spacing();
+    const int b = text_width(ui->laStationID,
+                             Unicode::thin_space + QString("Preview 00") + Unicode::thin_space);
+
+    setFixedWidth(4 * w + 78);
+    pin_width({ui->laTestParameters, ui->laProfileName, ui->leProfileName, ui->frDirectory,
+               ui->laDirectory, ui->cbProfile, ui->frSaveDelete, ui->cbPromptToDischarge,
+               ui->cbDetectFullCharge, ui->cbMeasureInternalResistance, ui->frInternalResistance,
+               ui->laTestResults, ui->laCummAmpHours, ui->laCummWattHours, ui->laIntResistance,
+               ui->laElapsedTime, ui->laPhase, ui->leSerialNumber},
+              w);
+    pin_width(
+        {ui->laNumberOfCycles, ui->laMaxChargeTime, ui->laLowVoltageCutoff, ui->laFinalCharge}, c);
+    pin_width(
+        {ui->sbNumberOfCycles, ui->frMaxChargeTime, ui->frLowVoltageCutoff, ui->frFinalCharge}, i);
+    pin_width({ui->laMaxChargeTimeUnits, ui->laLowVoltageCutoffUnits, ui->laFinalChargeUnits}, h);
+    pin_width(
+        {ui->laInternalResistanceInterval},
+        text_width(ui->laInternalResistanceInterval, ui->laInternalResistanceInterval->text()) +
+            ui->cbMeasureInternalResistance->minimumSizeHint().height());
+    pin_width({ui->leInternalResistanceTestIntervalAh}, w - (2 * w) / 3 - h - 2 * t);
+    pin_width({ui->laStationID, ui->laSerialNumberCaption}, b);
+    pin_width({ui->pbStartSkip, ui->pbNewTest, ui->pbLoadLog, ui->pbGeneratePDF, ui->laVoltage,
+               ui->laCurrent, ui->laCummAmpHours2, ui->laCycleNumber},
+              w / 2);
+    for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
+        make_square(button);
+    pin_label_heights();
+}
+
+// A label whose width and height are both pinned asks for no new layout when its text changes.
+void TestStation::pin_label_heights()
+{
+    for (QLabel* label : {ui->laStationID, ui->laPhase, ui->laVoltage, ui->laCurrent,
+                          ui->laCummAmpHours2, ui->laCycleNumber, ui->laCummAmpHours,
+                          ui->laCummWattHours, ui->laIntResistance, ui->laElapsedTime})
+        label->setFixedHeight(label->minimumSizeHint().height());
+}
