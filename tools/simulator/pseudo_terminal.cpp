@@ -53,7 +53,8 @@ qint64 PseudoTerminal::write(const QByteArray& bytes)
 {
     qint64 taken = 0;
     while (master >= 0 && taken < bytes.size()) {
-        const ssize_t step = ::write(master, bytes.constData() + taken, size_t(bytes.size() - taken));
+        const ssize_t step =
+            ::write(master, bytes.constData() + taken, size_t(bytes.size() - taken));
         if (step < 0 && errno == EINTR)
             continue;
         if (step <= 0)
