@@ -1,0 +1,75 @@
+#include "station/phase.h"
+
+#include <QSet>
+#include <QtTest>
+
+/** Holds the table of phases against the sets that the engine speaks of. */
+class PhaseTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void phases_keep_their_numbers_data();
+    void phases_keep_their_numbers();
+    void every_phase_is_in_one_set_of_each_kind_data();
+    void every_phase_is_in_one_set_of_each_kind();
+};
+
+void PhaseTest::phases_keep_their_numbers_data()
+{
+    QTest::addColumn<int>("phase");
+    QTest::addColumn<int>("number");
+    QTest::newRow("idle") << int(PHASE_IDLE) << 0;
+    QTest::newRow("charging") << int(PHASE_CHARGING) << 1;
+    QTest::newRow("charging on") << int(PHASE_CHARGING_LEVELED) << 2;
+    QTest::newRow("full charge test") << int(PHASE_FULL_CHARGE_TEST) << 3;
+    QTest::newRow("ready for discharge") << int(PHASE_READY_FOR_DISCHARGE) << 4;
+    QTest::newRow("discharging") << int(PHASE_DISCHARGING) << 5;
+    QTest::newRow("resistance test") << int(PHASE_IR_TEST) << 6;
+    QTest::newRow("recovery") << int(PHASE_IR_RECOVERY) << 7;
+    QTest::newRow("final charge") << int(PHASE_FINAL_CHARGE) << 8;
+    QTest::newRow("final charge test") << int(PHASE_FINAL_CHARGE_TEST) << 9;
+    QTest::newRow("done") << int(PHASE_DONE) << 10;
+}
+
+void PhaseTest::phases_keep_their_numbers()
+{
+    QFETCH(int, phase);
+    QTEST(phase, "number");
+}
+
+void PhaseTest::every_phase_is_in_one_set_of_each_kind_data()
+{
+    QTest::addColumn<int>("phase");
+    for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase)
+        QTest::addRow("phase %d", phase) << phase;
+}
+
+void PhaseTest::every_phase_is_in_one_set_of_each_kind()
+{
+    const QSet<int> charge_samples = {1, 2, 3, 8, 9};
+    const QSet<int> discharge_samples = {5, 6, 7};
+    const QSet<int> reads_skip = {1, 2, 5, 8};
+    const QSet<int> button_disabled = {3, 6, 7, 9};
+    const QSet<int> reads_start = {0, 4, 10};
+    const QSet<int> told_off = {0, 3, 4, 6, 10};
+    const QSet<int> told_charging = {1, 2, 8};
+    const QSet<int> told_discharging = {5, 7};
+    const QSet<int> told_nothing = {9};
+
+    QFETCH(int, phase);
+    const PhaseTraits& traits = traits_of(Phase(phase));
+    QCOMPARE(int(traits.phase), phase);
+    QCOMPARE(traits.sample == Sample::Charge, charge_samples.contains(phase));
+    QCOMPARE(traits.sample == Sample::Discharge, discharge_samples.contains(phase));
+    QCOMPARE(traits.button == StartSkip::Skip, reads_skip.contains(phase));
+    QCOMPARE(traits.button == StartSkip::Disabled, button_disabled.contains(phase));
+    QCOMPARE(traits.button == StartSkip::Start, reads_start.contains(phase));
+    QCOMPARE(traits.command == Off, told_off.contains(phase));
+    QCOMPARE(traits.command == Charging, told_charging.contains(phase));
+    QCOMPARE(traits.command == Discharging, told_discharging.contains(phase));
+    QCOMPARE(traits.command == no_command, told_nothing.contains(phase));
+}
+
+QTEST_GUILESS_MAIN(PhaseTest)
+#include "tst_phase.moc"
