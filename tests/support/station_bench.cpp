@@ -71,8 +71,7 @@ void StationBench::receive_after(double seconds, const char* voltage, const char
                                  const char* state)
 {
     clock.advance_seconds(seconds);
-    const QByteArray line =
-        QByteArray("x\t") + voltage + '\t' + current + "\tx\tx\tID=7\t" + state;
+    const QByteArray line = QByteArray("x\t") + voltage + '\t' + current + "\tx\tx\tID=7\t" + state;
     if (!wire.send(line, *instrument))
         qFatal("A line did not arrive: %s", line.constData());
     remember_logs();
