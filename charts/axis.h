@@ -29,10 +29,15 @@ public:
         return pixel_map().map(value);
     }
 
-    /** The mapping as it stands now, for loops over many points. */
+    /**
+     * The mapping as it stands now, for loops over many points. Without a span there is but one value
+     * to show, and it lies at the origin.
+     */
     PixelMap pixel_map() const
     {
-        return {scale(), range.min, static_cast<double>(direction), static_cast<double>(origin)};
+        const double pixels_per_unit = range.max == range.min ? 0.0 : scale();
+        return {pixels_per_unit, range.min, static_cast<double>(direction),
+                static_cast<double>(origin)};
     }
 
     /** Pixels per data unit. */

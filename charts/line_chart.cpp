@@ -2,6 +2,7 @@
 
 #include "charts/chart_pen.h"
 #include "charts/plot_text.h"
+#include "charts/raster_clip.h"
 
 #include <QFontInfo>
 #include <QPainter>
@@ -216,20 +217,23 @@ void LineChart::plot(QList<Series*> series, QPainter* painter, QRect rect, doubl
     }
     const QRect plot_area = lay_out(painter, rect, gridline_pixels, series, zoom);
     const QPen frame = frame_pen_for(dpi, print);
-
-    painter->setPen(frame);
-    painter->drawRect(plot_area);
-    plot_gridlines(painter, plot_area, dpi, print);
-    plot_axis_captions(painter, rect);
+    {
+        const RasterClip clip(painter);
+        painter->setPen(frame);
+        painter->drawRect(plot_area);
+        plot_gridlines(painter, plot_area, dpi, print);
+        plot_axis_captions(painter, rect);
+    }
 
     painter->setClipRect(plot_area, Qt::ReplaceClip);
     for (const Series* const curve : qAsConst(series)) {
         if (is_plotted(curve))
             curve->plot(painter, style, averaging_interval, dot_radius, dpi, print);
     }
+    painter->setClipping(false);
 
     // Once more, so that the curves do not overwrite it.
-    painter->setClipping(false);
+    const RasterClip clip(painter);
     painter->setBrush(Qt::NoBrush);
     painter->setPen(frame);
     painter->drawRect(plot_area);
