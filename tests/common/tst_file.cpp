@@ -1,22 +1,11 @@
 #include "common/file.h"
 #include "support/ordinary_user.h"
+#include "support/test_files.h"
 
 #include <QtTest>
 
 namespace
 {
-bool write_file(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
-QByteArray content_of(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
-}
-
 /** Makes a directory the current one while it lives. */
 class CurrentDirectory
 {
