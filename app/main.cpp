@@ -1,7 +1,13 @@
+#include "app/main_window.h"
+#include "app/startup.h"
+
 #include <QApplication>
 
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
-    return 0;
+    test_library();
+    MainWindow window(nullptr);
+    window.show();
+    return QApplication::exec();
 }

@@ -1,0 +1,53 @@
+#include "app/main_window.h"
+
+#include "ui_main_window.h"
+
+#include "common/build_info.h"
+#include "config/settings.h"
+#include "dialogs/edit_settings_dialog.h"
+#include "station/test_station.h"
+
+#include <cstdlib>
+
+namespace
+{
+constexpr int BLINK_INTERVAL_MS = 1000;
+}
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent), ui(new Ui::MainWindow), chart_refresh_timer(this), blink_timer(this)
+{
+    if (!Settings::load())
+        std::exit(1);
+    ui->setupUi(this);
+    ui->verticalLayout->addStretch();
+    connect(&blink_timer, &QTimer::timeout, this, &MainWindow::slot_blink);
+    blink_timer.setInterval(BLINK_INTERVAL_MS);
+    blink_timer.start();
+    setWindowTitle(QString("Kestrometer Suite (build: %1) (mode: %2)")
+                       .arg(BuildInfo::version, Settings::get_installation_type_string()));
+    setWindowState(Qt::WindowMaximized);
+    set_lhs_width();
+}
+
+MainWindow::~MainWindow()
+{
+    // Before the window's widgets go: each station commands its instrument off and closes its logs.
+    const QList<TestStation*> stations = TestStation::all_instances;
+    qDeleteAll(stations);
+    delete ui;
+}
+
+void MainWindow::slot_blink()
+{
+    // Shared by all windows of the process; the first tick tells the stations false.
+    static bool on = true;
+    on = !on;
+    emit sig_blink(on);
+    adopt_panel_width();
+}
+
+void MainWindow::on_actionSettings_triggered()
+{
+    edit_settings();
+}

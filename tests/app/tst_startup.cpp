@@ -1,0 +1,195 @@
+#include "app/main_window.h"
+#include "app/startup.h"
+
+#include "common/console.h"
+#include "support/modal_answer.h"
+
+#include <QApplication>
+#include <QProcess>
+#include <QSharedMemory>
+#include <QtTest>
+
+#include <cstring>
+
+namespace
+{
+const QString GUARD_KEY = "5bd399cd-d3b0-49de-8a69-b9fc02905849";
+const QByteArray FIRST_LINE = "Q_ASSERT is disabled; unable to test library functions.\n";
+const char* const START_WINDOW = "--start-window";
+const char* const ASK_THE_GUARD = "--ask-the-guard";
+
+/** Dismisses the boxes of this process and writes each to standard output. */
+struct BoxReporter
+{
+    BoxReporter()
+    {
+        answers.handle([this](QWidget* box) {
+            const SeenBox& seen = answers.seen.back();
+            print_to_console(seen.caption + "|" + seen.text + "\n");
+            static_cast<QDialog*>(box)->reject();
+        });
+    }
+
+    ModalAnswer answers;
+};
+
+/** What a second process of this executable does; see main. */
+int act_as_child(const char* what)
+{
+    BoxReporter reporter;
+    if (std::strcmp(what, START_WINDOW) == 0)
+        MainWindow window(nullptr);
+    else
+        prevent_multiple_instances();
+    print_to_console("running\n");
+    return 0;
+}
+
+struct Outcome
+{
+    int status = -1;
+    QByteArray output;
+};
+
+Outcome run_child(const char* what, const QString& data_home)
+{
+    QProcess child;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_DATA_HOME", data_home);
+    child.setProcessEnvironment(environment);
+    child.start(QCoreApplication::applicationFilePath(), {what});
+    Outcome outcome;
+    if (child.waitForFinished() && child.exitStatus() == QProcess::NormalExit)
+        outcome.status = child.exitCode();
+    outcome.output = child.readAllStandardOutput();
+    return outcome;
+}
+
+void write_file(const QString& path, const QByteArray& content)
+{
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+}  // namespace
+
+/** How the process begins, and when it refuses to. */
+class StartupTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void a_first_start_writes_the_settings();
+    void a_malformed_settings_file_ends_the_process_data();
+    void a_malformed_settings_file_ends_the_process();
+    void a_settings_directory_that_cannot_be_made_ends_the_process();
+    void the_library_test_says_that_it_is_disabled();
+    void two_copies_of_the_program_run_together();
+    void the_guard_lets_a_lone_copy_through();
+    void the_guard_ends_a_second_copy();
+};
+
+void StartupTest::a_first_start_writes_the_settings()
+{
+    const QTemporaryDir home;
+    const Outcome outcome = run_child(START_WINDOW, home.path());
+    QCOMPARE(outcome.output, QByteArray("running\n"));
+    QCOMPARE(outcome.status, 0);
+    QFile file(home.filePath("tst_startup/kestrometer.cfg"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("[misc]\nchart_refresh_rate_hz=3\n\n"));
+}
+
+void StartupTest::a_malformed_settings_file_ends_the_process_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("a comment") << QByteArray("[misc]\n; a note\n");
+    QTest::newRow("a variable before the first section") << QByteArray("a=b\n[misc]\n");
+    QTest::newRow("a section without its bracket") << QByteArray("[misc\n");
+    QTest::newRow("a lone word") << QByteArray("[misc]\nchart_refresh_rate_hz\n");
+    QTest::newRow("NULs") << QByteArray("\0\0\0\0", 4);
+    QTest::newRow("invalid UTF-8") << QByteArray("[misc]\n\xFF\xFE\xFD\n");
+}
+
+void StartupTest::a_malformed_settings_file_ends_the_process()
+{
+    QFETCH(QByteArray, content);
+    const QTemporaryDir home;
+    const QString path = home.filePath("tst_startup/kestrometer.cfg");
+    write_file(path, content);
+    const Outcome outcome = run_child(START_WINDOW, home.path());
+    QCOMPARE(outcome.output, QString("Error|Unable to read %1.\n").arg(path).toUtf8());
+    QCOMPARE(outcome.status, 1);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), content);
+}
+
+void StartupTest::a_settings_directory_that_cannot_be_made_ends_the_process()
+{
+    const QTemporaryDir home;
+    const QString file = home.filePath("a_file");
+    write_file(file, "in the way");
+    const Outcome outcome = run_child(START_WINDOW, file);
+    QCOMPARE(
+        outcome.output,
+        QString("Error|Cannot create settings directory (%1/tst_startup).\n").arg(file).toUtf8());
+    QCOMPARE(outcome.status, 1);
+}
+
+void StartupTest::the_library_test_says_that_it_is_disabled()
+{
+    QVERIFY(test_library());
+}
+
+void StartupTest::two_copies_of_the_program_run_together()
+{
+    const QTemporaryDir home;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_DATA_HOME", home.path());
+    QProcess copies[2];
+    for (QProcess& copy : copies) {
+        copy.setProcessEnvironment(environment);
+        copy.start(KEST_PROGRAM, QStringList());
+    }
+    for (QProcess& copy : copies) {
+        QTRY_VERIFY_WITH_TIMEOUT(copy.canReadLine(), 30000);
+        QCOMPARE(copy.readLine(), FIRST_LINE);
+    }
+    for (QProcess& copy : copies)
+        QCOMPARE(copy.state(), QProcess::Running);
+    for (QProcess& copy : copies) {
+        copy.kill();
+        QVERIFY(copy.waitForFinished());
+    }
+}
+
+void StartupTest::the_guard_lets_a_lone_copy_through()
+{
+    const QTemporaryDir home;
+    const Outcome outcome = run_child(ASK_THE_GUARD, home.path());
+    QCOMPARE(outcome.output, QByteArray("running\n"));
+    QCOMPARE(outcome.status, 0);
+}
+
+void StartupTest::the_guard_ends_a_second_copy()
+{
+    QSharedMemory other_copy(GUARD_KEY);
+    QVERIFY(other_copy.create(512));
+    const QTemporaryDir home;
+    const Outcome outcome = run_child(ASK_THE_GUARD, home.path());
+    QCOMPARE(outcome.output, QByteArray("Error|The program is already running.\n"));
+    QCOMPARE(outcome.status, 0);
+}
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    if (argc == 2 &&
+        (std::strcmp(argv[1], START_WINDOW) == 0 || std::strcmp(argv[1], ASK_THE_GUARD) == 0))
+        return act_as_child(argv[1]);
+    StartupTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_startup.moc"
