@@ -22,11 +22,14 @@ void run_to_charge(StationBench& bench, int discharges_before)
     }
 }
 
+/** Ten minutes of a level voltage, all but the last sample of them put straight into the series. */
 void level_off(StationBench& bench)
 {
     bench.station->detect_full_charge = true;
-    while (bench.station->phase == PHASE_CHARGING)
-        bench.receive("41.50", "0.0", "C");
+    Series& series = bench.station->charge_voltage_series;
+    while (series.points.size() < 599)
+        series.add(series.points.size() + 1, 41.5);
+    bench.receive("41.50", "0.0", "C");
 }
 
 void ready_for_discharge(StationBench& bench)
