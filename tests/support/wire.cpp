@@ -3,6 +3,7 @@
 #include "device/kestrometer.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 #include <fcntl.h>
@@ -14,38 +15,24 @@ constexpr int TIMEOUT_MS = 10000;
 
 const QByteArray MARKER = "\xFF<end>\xFF";
 
-/** Counts what a port reads, and sees when the port's owner has taken it. */
-class Watcher
+/** Counts the bytes that an instrument takes from its port. */
+class Watcher : public QObject
 {
 public:
-    explicit Watcher(QSerialPort& port)
+    explicit Watcher(Kestrometer& instrument)
     {
-        QObject::connect(&port, &QSerialPort::readyRead, &context, [this, &port] {
-            arrived += port.bytesAvailable() - unread;
-            unread = port.bytesAvailable();
-            ++announced;
-        });
-        // Queued behind the owner's own queued slot, and so called after it.
-        QObject::connect(
-            &port, &QSerialPort::readyRead, &context,
-            [this] {
-                unread = 0;
-                ++handled;
-            },
-            Qt::QueuedConnection);
+        instrument.installEventFilter(this);
     }
 
-    bool has_taken(qint64 count) const
+    /** The port's queued announcement, at which the instrument takes all that has arrived. */
+    bool eventFilter(QObject* watched, QEvent* event) override
     {
-        return arrived >= count && handled == announced;
+        if (event->type() == QEvent::MetaCall)
+            taken += static_cast<Kestrometer*>(watched)->port.bytesAvailable();
+        return false;
     }
 
-private:
-    QObject context;
-    qint64 arrived = 0;
-    qint64 unread = 0;
-    int announced = 0;
-    int handled = 0;
+    qint64 taken = 0;
 };
 }  // namespace
 
@@ -87,13 +74,13 @@ bool Wire::send(const QByteArray& line, Kestrometer& instrument)
 
 bool Wire::send_bytes(const QByteArray& bytes, Kestrometer& instrument)
 {
-    Watcher watcher(instrument.port);
+    Watcher watcher(instrument);
     qint64 sent = 0;
     while (sent < bytes.size()) {
         // The line takes a few kilobytes at a time.
-        const qint64 taken = terminal.write(bytes.mid(int(sent)));
-        sent += taken;
-        if (taken == 0 || !spin_until([&] { return watcher.has_taken(sent); }))
+        const qint64 step = terminal.write(bytes.mid(int(sent)));
+        sent += step;
+        if (step == 0 || !spin_until([&] { return watcher.taken >= sent; }))
             return false;
     }
     return true;
