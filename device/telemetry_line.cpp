@@ -1,7 +1,9 @@
 #include "device/telemetry_line.h"
 
 #include "common/parse_int.h"
-#include "common/read_double.h"
+#include "common/plain_double.h"
+
+#include <QStringList>
 
 namespace
 {
@@ -15,80 +17,107 @@ enum FieldIndex
     FIELD_STATE = 6
 };
 
-/** A piece of the line, which outlives it. */
-struct Field
+/** What a line of the usual form says. */
+struct Readings
 {
-    const QChar* begin = nullptr;
-    const QChar* end = nullptr;
-
-    int size() const
-    {
-        return int(end - begin);
-    }
+    double voltage = 0.0;
+    double current = 0.0;
+    int id = 0;
+    KestrometerState state = Unknown;
 };
 
-bool split_at_tabs(const QString& line, Field (&fields)[FIELD_COUNT])
+/** One walk over a line of the usual form; each step is false where the line leaves that form. */
+class Walk
 {
-    int count = 0;
-    const QChar* begin = line.constData();
-    const QChar* const line_end = begin + line.size();
-    for (const QChar* at = begin; at != line_end; ++at) {
-        if (*at != '\t')
-            continue;
-        if (count == FIELD_COUNT - 1)
-            return false;
-        fields[count++] = {begin, at};
-        begin = at + 1;
+public:
+    explicit Walk(const QString& line) : at(line.constData()), end(at + line.size())
+    {
     }
-    fields[count++] = {begin, line_end};
-    return count == FIELD_COUNT;
-}
 
-bool read_number(const Field& field, double& value)
-{
-    bool ok = false;
-    value = read_double(field.begin, field.size(), ok);
-    return ok;
-}
-
-/** The usual "ID=123" without a detour; false leaves the field to the general way. */
-bool read_plain_id(const Field& field, int& id)
-{
-    constexpr int MAX_DIGITS = 9;
-    const int digits = field.size() - 3;
-    if (digits < 1 || digits > MAX_DIGITS || field.begin[0] != 'I' || field.begin[1] != 'D' ||
-        field.begin[2] != '=')
-        return false;
-    int number = 0;
-    for (const QChar* at = field.begin + 3; at != field.end; ++at) {
-        const int digit = at->unicode() - '0';
-        if (digit < 0 || digit > 9)
-            return false;
-        number = number * 10 + digit;
+    bool skip_field()
+    {
+        while (at != end && *at != '\t')
+            ++at;
+        return skip_tab();
     }
-    id = number;
-    return true;
-}
 
-bool read_id(const Field& field, int& id)
-{
-    if (read_plain_id(field, id))
+    bool read_number_field(double& value)
+    {
+        at = read_plain_double(at, end, value);
+        return at != nullptr && skip_tab();
+    }
+
+    /** "ID=" and one to nine decimal digits. */
+    bool read_id_field(int& id)
+    {
+        if (end - at < 4 || at[0] != 'I' || at[1] != 'D' || at[2] != '=')
+            return false;
+        at += 3;
+        const QChar* const first = at;
+        for (id = 0; at != end && at - first < 9 && unsigned(at->unicode()) - '0' <= 9; ++at)
+            id = id * 10 + (at->unicode() - '0');
+        return at != first && skip_tab();
+    }
+
+    bool read_last_field(KestrometerState& state)
+    {
+        if (end - at != 1 || *at == '\t')
+            return false;
+        state = state_from_letter(*at);
         return true;
-    return parse_int(QString(field.begin, field.size()).remove("ID="), id);
+    }
+
+private:
+    bool skip_tab()
+    {
+        return at != end && *at++ == '\t';
+    }
+
+    const QChar* at;
+    const QChar* const end;
+};
+
+bool read_usual_line(const QString& line, Readings& readings)
+{
+    Walk walk(line);
+    return walk.skip_field() && walk.read_number_field(readings.voltage) &&
+           walk.read_number_field(readings.current) && walk.skip_field() && walk.skip_field() &&
+           walk.read_id_field(readings.id) && walk.read_last_field(readings.state);
+}
+
+/** Every other line, step by step. */
+bool read_unusual_line(const QString& line, double& voltage, double& current, int& id,
+                       KestrometerState& reported_state)
+{
+    // Counted first: garbage may hold a million of them.
+    if (line.count('\t') != FIELD_COUNT - 1)
+        return false;
+    const QStringList fields = line.split('\t');
+    bool ok = false;
+    voltage = fields[FIELD_VOLTAGE].toDouble(&ok);
+    if (!ok)
+        return false;
+    current = fields[FIELD_CURRENT].toDouble(&ok);
+    if (!ok)
+        return false;
+    if (!parse_int(QString(fields[FIELD_ID]).remove("ID="), id))
+        return false;
+    if (fields[FIELD_STATE].size() != 1)
+        return false;
+    reported_state = state_from_letter(fields[FIELD_STATE][0]);
+    return true;
 }
 }  // namespace
 
 bool read_telemetry_line(const QString& line, double& voltage, double& current, int& id,
                          KestrometerState& reported_state)
 {
-    Field fields[FIELD_COUNT];
-    if (!split_at_tabs(line, fields))
-        return false;
-    if (!read_number(fields[FIELD_VOLTAGE], voltage) ||
-        !read_number(fields[FIELD_CURRENT], current) || !read_id(fields[FIELD_ID], id))
-        return false;
-    if (fields[FIELD_STATE].size() != 1)
-        return false;
-    reported_state = state_from_letter(*fields[FIELD_STATE].begin);
+    Readings readings;
+    if (!read_usual_line(line, readings))
+        return read_unusual_line(line, voltage, current, id, reported_state);
+    voltage = readings.voltage;
+    current = readings.current;
+    id = readings.id;
+    reported_state = readings.state;
     return true;
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+/** One line of the table: our way of some work beside the plainest loop that does the same. */
+struct BenchRow
+{
+    const char* work = "";
+    double ours = 0.0;          ///< nanoseconds for one piece of work, median
+    double limit = 0.0;         ///< likewise, of the plain loop
+    double target_ratio = 0.0;  ///< ours / limit to be reached; 0 for none
+};
+
+/**
+ * Measures both ways in turn, so that a disturbed machine disturbs both, and takes the medians.
+ *
+ * Each call does `pieces` pieces of work.
+ */
+BenchRow measure(const char* work, int pieces, double target_ratio,
+                 const std::function<void()>& ours, const std::function<void()>& limit);
+
+/** Prints "work | ours | limit | ratio | target", in nanoseconds. */
+void print_bench_table(const std::vector<BenchRow>& rows);
+
+/** Keeps the compiler from leaving out the work behind a result that nobody reads. */
+void keep(double result);
