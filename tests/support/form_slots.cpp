@@ -5,6 +5,19 @@
 
 namespace
 {
+/** As the connection by name has it: a slot may take fewer arguments than its signal brings. */
+bool has_signal(const QMetaObject* meta, const QByteArray& slot_signature)
+{
+    const QByteArray beginning = slot_signature.chopped(1);
+    for (int i = 0; i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() == QMetaMethod::Signal &&
+            method.methodSignature().startsWith(beginning))
+            return true;
+    }
+    return false;
+}
+
 bool finds_its_widget(const QObject* form, const QByteArray& slot)
 {
     const auto objects = form->findChildren<QObject*>();
@@ -12,7 +25,7 @@ bool finds_its_widget(const QObject* form, const QByteArray& slot)
         const QByteArray prefix = "on_" + object->objectName().toLatin1() + "_";
         if (object->objectName().isEmpty() || !slot.startsWith(prefix))
             continue;
-        if (object->metaObject()->indexOfSignal(slot.mid(prefix.size())) >= 0)
+        if (has_signal(object->metaObject(), slot.mid(prefix.size())))
             return true;
     }
     return false;
