@@ -153,6 +153,8 @@ private:
     void set_up_parameters();
     void set_summary_fonts();
     void pin_label_heights();
+    void align_captions();
+    void widen_hidden_status();
 
     // ---- test_station_display.cpp: every label at every moment --------------
 public:

@@ -22,6 +22,14 @@ void pin_width(const QList<QWidget*>& widgets, int width)
         widget->setFixedWidth(width);
 }
 
+/** What can be typed is what the conversion reads, also where a comma is the decimal point. */
+QLocale conversion_locale()
+{
+    QLocale locale = QLocale::c();
+    locale.setNumberOptions(QLocale::OmitGroupSeparator | QLocale::RejectGroupSeparator);
+    return locale;
+}
+
 void make_square(QWidget* button)
 {
     const int side = button->minimumSizeHint().height();
@@ -36,6 +44,8 @@ void TestStation::set_up_panel()
     ui->pbNewTest->setEnabled(kestrometer != nullptr);
     ui->laStationID->setToolTip(get_port_name());
     ui->laKestrometerStatus->setVisible(kestrometer != nullptr && Settings::get_show_debug_info());
+    if (kestrometer != nullptr)
+        ui->laKestrometerStatus->setText(kestrometer->get_status());
     for (QLabel* label : {ui->laKestrometerIsStuck, ui->laLostCommunication, ui->laNotCharging,
                           ui->laNotDischarging})
         label->setVisible(false);
@@ -76,8 +86,7 @@ void TestStation::set_up_validators()
     };
     for (const Range& range : ranges) {
         auto* validator = new QDoubleValidator(0.0, range.most, range.decimals, this);
-        // What can be typed is what the conversion reads, also where a comma is the decimal point.
-        validator->setLocale(QLocale::c());
+        validator->setLocale(conversion_locale());
         range.edit->setValidator(validator);
     }
 }
@@ -136,6 +145,8 @@ void TestStation::set_widget_sizes()
     for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
         make_square(button);
     pin_label_heights();
+    align_captions();
+    widen_hidden_status();
 }
 
 // A label whose width and height are both pinned asks for no new layout when its text changes.
@@ -145,4 +156,23 @@ void TestStation::pin_label_heights()
                           ui->laCummAmpHours2, ui->laCycleNumber, ui->laCummAmpHours,
                           ui->laCummWattHours, ui->laIntResistance, ui->laElapsedTime})
         label->setFixedHeight(label->minimumSizeHint().height());
+}
+
+// Both captions and the rules below them stand on one line across the two frames.
+void TestStation::align_captions()
+{
+    const QGridLayout* parameters = ui->gridLayout_5;
+    const int row_height =
+        qMax(ui->frSaveDelete->sizeHint().height(), ui->cbProfile->sizeHint().height());
+    const int top = parameters->contentsMargins().top() + parameters->verticalSpacing();
+    ui->laTestResults->setFixedHeight(top + row_height -
+                                      ui->gridLayout_10->contentsMargins().top());
+}
+
+// The blinking limits the status to the width that it has, and no layout has one for a hidden label.
+void TestStation::widen_hidden_status()
+{
+    const QMargins margins = ui->verticalLayout->contentsMargins();
+    const int inner_width = minimumWidth() - 2 * frameWidth() - margins.left() - margins.right();
+    ui->laKestrometerStatus->resize(inner_width, ui->laKestrometerStatus->height());
 }
