@@ -13,6 +13,22 @@ namespace
 {
 const QString EXPANDED = QString::fromUtf8("▲");
 const QString COLLAPSED = QString::fromUtf8("▼");
+
+/**
+ * The number typed. A text that does not convert counts as 0 from here on, on purpose: while a field
+ * is being cleared for a new value, the running test sees 0.
+ */
+double typed_number(const QLineEdit* edit, bool& ok)
+{
+    const double value = edit->text().toDouble(&ok);
+    return ok ? value : 0.0;
+}
+
+double next_multiple(double amp_hours, double interval)
+{
+    // While the field is being cleared the interval is 0: due at once, and no NaN to stay behind.
+    return interval > 0.0 ? std::ceil(amp_hours / interval) * interval : amp_hours;
+}
 }  // namespace
 
 void TestStation::on_pbExpandCollapse_clicked()
@@ -50,20 +66,17 @@ void TestStation::on_leSerialNumber_textEdited(const QString& text)
 void TestStation::on_leMaxChargeTime_textEdited()
 {
     bool ok = false;
-    const double hours = ui->leMaxChargeTime->text().toDouble(&ok);
+    const double hours = typed_number(ui->leMaxChargeTime, ok);
     if (!ok)
         return;
     max_charge_time = truncated_int(hours * 3600.0);
     ui->pbSaveProfile->setEnabled(true);
 }
 
-// A text that does not convert counts as 0 from here on, on purpose: while a field is being cleared
-// for a new value, the running test sees 0.
-
 void TestStation::on_leLowVoltageCutoff_textEdited()
 {
     bool ok = false;
-    low_voltage_cutoff = ui->leLowVoltageCutoff->text().toDouble(&ok);
+    low_voltage_cutoff = typed_number(ui->leLowVoltageCutoff, ok);
     if (ok)
         ui->pbSaveProfile->setEnabled(true);
 }
@@ -71,7 +84,7 @@ void TestStation::on_leLowVoltageCutoff_textEdited()
 void TestStation::on_leFinalCharge_textEdited()
 {
     bool ok = false;
-    final_voltage = ui->leFinalCharge->text().toDouble(&ok);
+    final_voltage = typed_number(ui->leFinalCharge, ok);
     if (ok)
         ui->pbSaveProfile->setEnabled(true);
 }
@@ -79,8 +92,7 @@ void TestStation::on_leFinalCharge_textEdited()
 void TestStation::on_leInternalResistanceTestIntervalAh_textEdited()
 {
     bool ok = false;
-    internal_resistance_test_interval_ah =
-        ui->leInternalResistanceTestIntervalAh->text().toDouble(&ok);
+    internal_resistance_test_interval_ah = typed_number(ui->leInternalResistanceTestIntervalAh, ok);
     if (ok)
         ui->pbSaveProfile->setEnabled(true);
 }
@@ -102,9 +114,8 @@ void TestStation::on_cbMeasureInternalResistance_stateChanged(int)
     measure_internal_resistance = ui->cbMeasureInternalResistance->isChecked();
     ui->laInternalResistanceInterval->setEnabled(measure_internal_resistance);
     ui->leInternalResistanceTestIntervalAh->setEnabled(measure_internal_resistance);
-    if (measure_internal_resistance && current_cycle != nullptr) {
-        const double interval = internal_resistance_test_interval_ah;
-        next_ir_check_ah = std::ceil(current_cycle->amp_hours / interval) * interval;
-    }
+    if (measure_internal_resistance && current_cycle != nullptr)
+        next_ir_check_ah =
+            next_multiple(current_cycle->amp_hours, internal_resistance_test_interval_ah);
     ui->pbSaveProfile->setEnabled(true);
 }
