@@ -185,7 +185,7 @@ const QVector<FaultRow> ROWS = {
          i.faults.merge_lines = a.lines(0);
      }},
     {FaultGroup::Text, "babble", "<bytes>",
-     "So many digits without a line end in front of the next line.",
+     "So many digits without a line end, ahead of whatever comes next.",
      [](Instrument& i, const Arguments& a, const FaultRow&) {
          i.faults.babble_bytes = a.lines(0);
      }},

@@ -94,6 +94,19 @@ QByteArray PseudoTerminal::read(int count, int timeout_ms)
     return bytes;
 }
 
+bool PseudoTerminal::has_unread() const
+{
+    // Not FIONREAD: it misses what the system is still carrying across.
+    pollfd waiting = {keeper, POLLIN, 0};
+    return keeper >= 0 && ::poll(&waiting, 1, 0) > 0 && (waiting.revents & POLLIN) != 0;
+}
+
+void PseudoTerminal::discard_unread()
+{
+    if (keeper >= 0)
+        ::tcflush(keeper, TCIFLUSH);
+}
+
 QString PseudoTerminal::path() const
 {
     return slave_path;

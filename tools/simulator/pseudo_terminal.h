@@ -23,6 +23,10 @@ public:
     QByteArray read();
     /** Waits until `count` bytes have arrived or `timeout_ms` is over, and gives what there is. */
     QByteArray read(int count, int timeout_ms);
+    /** True if something has been written and nobody has read it. */
+    bool has_unread() const;
+    /** Throws away what has been written and nobody has read. */
+    void discard_unread();
 
     /** The other side as a file name, "/dev/pts/3". */
     QString path() const;

@@ -1,0 +1,65 @@
+#include "simulator/line_input.h"
+#include "simulator/options.h"
+#include "simulator/simulator_run.h"
+
+#include <QCoreApplication>
+
+#include <csignal>
+#include <cstdio>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace
+{
+constexpr int BAD_SYSTEM = 1;
+constexpr int BAD_ARGUMENTS = 2;
+
+/** A descriptor that becomes readable when the process is asked to end. */
+int catch_ending_signals()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&ending, number);
+    sigprocmask(SIG_BLOCK, &ending, nullptr);
+    return ::signalfd(-1, &ending, SFD_NONBLOCK | SFD_CLOEXEC);
+}
+}  // namespace
+
+int main(int argc, char* argv[])
+{
+    const int ending = catch_ending_signals();
+    QCoreApplication application(argc, argv);
+    Options options;
+    QString text;
+    const OptionsResult result = read_options(QCoreApplication::arguments(), options, text);
+    if (result == OptionsResult::Help) {
+        std::fputs(qPrintable(text), stdout);
+        return 0;
+    }
+    QVector<ReplayLine> recording;
+    const bool good =
+        result == OptionsResult::Run &&
+        (options.recording.isEmpty() || read_recording(options.recording, recording, text));
+    if (!good) {
+        complain(text);
+        return BAD_ARGUMENTS;
+    }
+
+    SimulatorRun run(options);
+    run.play(recording);
+    if (!run.start(text)) {
+        complain(text);
+        return BAD_SYSTEM;
+    }
+    QSocketNotifier asked_to_end(ending, QSocketNotifier::Read);
+    LineInput input(STDIN_FILENO);
+    QObject::connect(&asked_to_end, &QSocketNotifier::activated, &application,
+                     &QCoreApplication::quit);
+    QObject::connect(&run, &SimulatorRun::sig_end, &application, &QCoreApplication::quit);
+    QObject::connect(&input, &LineInput::sig_line, &run, &SimulatorRun::set_fault_by_line);
+    if (options.exit_with_stdin)
+        QObject::connect(&input, &LineInput::sig_end, &application, &QCoreApplication::quit);
+    return QCoreApplication::exec();
+}
