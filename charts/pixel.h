@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <limits>
 
 /**
@@ -8,9 +9,8 @@
  */
 inline int to_pixel(double value)
 {
-    constexpr double below_int = -2147483649.0;
-    constexpr double above_int = 2147483648.0;
-    if (value > below_int && value < above_int)
+    constexpr double beyond_int = 2147483648.0;
+    if (std::abs(value) < beyond_int)
         return static_cast<int>(value);
     return value > 0.0 ? std::numeric_limits<int>::max() : std::numeric_limits<int>::min();
 }

@@ -46,20 +46,10 @@ struct PointMap
 
 QPolygonF every_vertex(const QList<QPointF>& points, const PointMap map)
 {
-    QPolygonF vertices;
-    vertices.reserve(points.size());
-    for_each_point(points,
-                   [&vertices, map](const QPointF& point) { vertices.append(map.map(point)); });
+    QPolygonF vertices(points.size());
+    QPointF* next = vertices.data();
+    for_each_point(points, [&next, map](const QPointF& point) { *next++ = map.map(point); });
     return vertices;
-}
-
-/** Room for a bucket mean per interval, or per point where there are fewer of those. */
-int expected_vertices(const QList<QPointF>& points, double interval)
-{
-    const int ends_and_last_mean = 3;
-    const double buckets = points.last().x() / interval;
-    const bool few_buckets = buckets < points.size();
-    return (few_buckets ? to_pixel(buckets) : points.size()) + ends_and_last_mean;
 }
 
 /**
@@ -67,23 +57,48 @@ int expected_vertices(const QList<QPointF>& points, double interval)
  * behind a gap are buckets of one until it has caught up. A first bucket may be empty: its NaN is
  * mapped like any mean and lies far outside of the clip rectangle.
  */
-QPolygonF averaged_vertices(const QList<QPointF>& points, const PointMap map, double interval)
+template <typename Append>
+void append_averaged(const QList<QPointF>& points, const PointMap map, double interval,
+                     Append append)
 {
-    QPolygonF vertices;
-    vertices.reserve(expected_vertices(points, interval));
-    vertices.append(map.map(points.first()));
+    append(map.map(points.first()));
     Bucket bucket;
     double boundary = interval;
-    for_each_point(points, [&vertices, &bucket, &boundary, map, interval](const QPointF& point) {
+    for_each_point(points, [&bucket, &boundary, map, interval, append](const QPointF& point) {
         if (point.x() > boundary) {
-            vertices.append(map.map(bucket.mean()));
+            append(map.map(bucket.mean()));
             bucket = Bucket();
             boundary += interval;
         }
         bucket.add(point);
     });
-    vertices.append(map.map(bucket.mean()));
-    vertices.append(map.map(points.last()));
+    append(map.map(bucket.mean()));
+    append(map.map(points.last()));
+}
+
+/** For a bucket of many points: few vertices, and room for them is made as they come. */
+QPolygonF few_averaged_vertices(const QList<QPointF>& points, const PointMap map, double interval,
+                                int expected)
+{
+    QPolygonF vertices;
+    vertices.reserve(expected);
+    append_averaged(points, map, interval,
+                    [&vertices](const QPointF& vertex) { vertices.append(vertex); });
+    return vertices;
+}
+
+QPolygonF averaged_vertices(const QList<QPointF>& points, const PointMap map, double interval)
+{
+    const int ends_and_last_mean = 3;
+    const double buckets = points.last().x() / interval;
+    if (buckets >= 0.0 && buckets < points.size() / 8)
+        return few_averaged_vertices(points, map, interval, to_pixel(buckets) + ends_and_last_mean);
+
+    // About a bucket per point and never more: room for all of them needs no test at each.
+    QPolygonF vertices(points.size() + ends_and_last_mean);
+    QPointF* next = vertices.data();
+    append_averaged(points, map, interval, [&next](const QPointF& vertex) { *next++ = vertex; });
+    vertices.resize(static_cast<int>(next - vertices.constData()));
     return vertices;
 }
 
