@@ -13,6 +13,8 @@
 
 class Kestrometer;
 class QFile;
+class QTextStream;
+struct LogTarget;
 
 namespace Ui
 {
@@ -140,8 +142,28 @@ public:
 private:
     struct LogPaths;
     bool choose_log_paths(LogPaths& paths) const;
-    bool reject_log();
     void delete_cycles();
+
+    // ---- test_station_log_reader.cpp: a log becomes a test again -------------
+public:
+    /** Reads `data_log` and shows its parameters; shows a failure and then unloads all. */
+    bool ui_safe_read_log();
+    /** Reads `data_log` from its start, of whichever generation it is. */
+    bool read_data_log();
+    /** Reads a current log behind its first line. A refused one leaves behind what was understood. */
+    bool read_new_log(QTextStream* stream);
+    /** The same for a log of the older generation. */
+    bool read_old_log(QTextStream* stream);
+
+private:
+    LogTarget log_target();
+
+    // ---- test_station_load.cpp: the choice of an earlier log -----------------
+private slots:
+    void on_pbLoadLog_clicked();
+
+private:
+    bool create_logs(const QString& csv_path);
 
     // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
 public:

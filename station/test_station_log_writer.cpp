@@ -74,17 +74,9 @@ bool TestStation::begin_log()
     if (!ui_safe_open_log())
         return false;
     if (paths.append)
-        return reject_log();
+        return ui_safe_read_log();
     write_data_log_header();
     return true;
-}
-
-/** Until earlier logs can be read back, an append leaves them as they are. */
-bool TestStation::reject_log()
-{
-    unload_test_data();
-    show_error("Unable to read log file.");
-    return false;
 }
 
 /** False if the operator cancels. */

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "station/log_target.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QString>
+
+#include <list>
+
+/** One discharge as a reader gave it. */
+struct ReadCycle
+{
+    QDateTime start_time;
+    Series voltage_vs_amphours;
+    Series current_vs_amphours;
+    Series internal_resistance;
+    double amp_hours = 0.0;
+    double watt_hours = 0.0;
+};
+
+/** What a reader made of a log, without a station; the parameters start as a new station's. */
+struct ReadLog
+{
+    /** Puts the bytes behind the mark through the reader of its generation, as a station does. */
+    explicit ReadLog(const QByteArray& bytes);
+    ReadLog(const ReadLog&) = delete;
+    ReadLog& operator=(const ReadLog&) = delete;
+
+    /** The same test, point by point and bit by bit. */
+    bool same_as(const ReadLog& other) const;
+
+    bool accepted = false;
+    QString profile_name;
+    QString serial_number;
+    int number_of_cycles = 1;
+    int max_charge_time = 21600;
+    bool detect_full_charge = false;
+    double low_voltage_cutoff = 19.0;
+    bool prompt_to_discharge = false;
+    double final_voltage = 0.0;
+    bool measure_internal_resistance = true;
+    double internal_resistance_test_interval_ah = 0.5;
+    std::list<ReadCycle> cycles;
+
+    LogTarget target();
+    const ReadCycle& cycle(int index) const;
+    /** Rows of all discharges. */
+    int row_count() const;
+};
+
+/** Whether both hold the same bits: other than with ==, 0.0 is not -0.0 and NaN is itself. */
+bool same_bits(double a, double b);

@@ -1,0 +1,69 @@
+#include "support/whole_test.h"
+
+#include "support/golden_file.h"
+
+#include "device/kestrometer.h"
+#include "station/test_station.h"
+
+WholeTest::WholeTest(const PackModel& pack)
+    : station(*bench.station), link(bench.wire, station, pack, 7)
+{
+    bench.instrument->set_state(Off);
+    run(1);
+}
+
+PackModel WholeTest::quick_pack()
+{
+    PackModel pack;
+    pack.capacity_ah = 0.04;
+    pack.state_of_charge = 1.0;
+    return pack;
+}
+
+void WholeTest::start(const QString& name, const QString& serial_number)
+{
+    bench.start(name, serial_number);
+    link.take_commands();
+}
+
+void WholeTest::run(int seconds)
+{
+    for (int i = 0; i < seconds; ++i) {
+        link.take_commands();
+        bench.clock.advance_seconds(1);
+        link.advance(1);
+        blink_on = !blink_on;
+        station.slot_blink(blink_on);
+        link.take_commands();
+    }
+}
+
+bool WholeTest::run_to(Phase phase, int most)
+{
+    for (int second = 0; second < most && station.phase != phase; ++second)
+        run(1);
+    return station.phase == phase;
+}
+
+void WholeTest::press(const char* button)
+{
+    bench.press(button);
+    link.take_commands();
+}
+
+void WholeTest::level_off()
+{
+    for (int second = -600; second < 0; ++second)
+        station.charge_voltage_series.add(second, 25.2);
+}
+
+QString WholeTest::difference_from(const QString& name)
+{
+    link.take_commands();
+    QStringList differences;
+    differences << difference_from_golden(name + ".commands", link.commands)
+                << difference_from_golden(name + ".csv", bench.csv())
+                << difference_from_golden(name + ".txt", bench.txt());
+    differences.removeAll(QString());
+    return differences.join('\n');
+}
