@@ -142,6 +142,7 @@ public:
 private:
     struct LogPaths;
     bool choose_log_paths(LogPaths& paths) const;
+    void replace_logs(const LogPaths& paths);
     void delete_cycles();
 
     // ---- test_station_log_reader.cpp: a log becomes a test again -------------

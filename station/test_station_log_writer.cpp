@@ -69,8 +69,7 @@ bool TestStation::begin_log()
     LogPaths paths;
     if (!choose_log_paths(paths))
         return false;
-    data_log = new QFile(paths.csv);
-    text_log = new QFile(paths.txt);
+    replace_logs(paths);
     if (!ui_safe_open_log())
         return false;
     if (paths.append)
@@ -103,6 +102,16 @@ bool TestStation::choose_log_paths(LogPaths& paths) const
         return false;
     }
     return true;
+}
+
+/** A log that is open although none should be is closed, and its instrument writes into it no more. */
+void TestStation::replace_logs(const LogPaths& paths)
+{
+    set_log_all_telemetry(false);
+    delete data_log;
+    delete text_log;
+    data_log = new QFile(paths.csv);
+    text_log = new QFile(paths.txt);
 }
 
 void TestStation::write_data_log_header()

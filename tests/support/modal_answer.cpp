@@ -65,6 +65,8 @@ void ModalAnswer::look()
     if (actions.empty()) {
         if (auto* dialog = qobject_cast<QDialog*>(widget))
             dialog->reject();
+        // The next box may stand at the same place in memory.
+        last_widget = nullptr;
         return;
     }
     const auto action = actions.front();
