@@ -3,6 +3,7 @@
 #include "ui_main_window.h"
 
 #include "common/build_info.h"
+#include "charts/paint_box.h"
 #include "config/settings.h"
 #include "dialogs/edit_settings_dialog.h"
 #include "station/test_station.h"
@@ -12,7 +13,15 @@
 namespace
 {
 constexpr int BLINK_INTERVAL_MS = 1000;
+
+/** Not deleted, as the process is ending: labels that live as long as the process lie on them. */
+void retire(QWidget* box)
+{
+    static auto& retired = *new QList<QWidget*>;
+    box->setParent(nullptr);
+    retired.append(box);
 }
+}  // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::MainWindow), chart_refresh_timer(this), blink_timer(this)
@@ -20,18 +29,23 @@ MainWindow::MainWindow(QWidget* parent)
     if (!Settings::load())
         std::exit(1);
     ui->setupUi(this);
-    ui->verticalLayout->addStretch();
+    set_up_chart_boxes();
+    set_up_chart_controls();
+    set_up_charts();
     connect(&blink_timer, &QTimer::timeout, this, &MainWindow::slot_blink);
     blink_timer.setInterval(BLINK_INTERVAL_MS);
     blink_timer.start();
     setWindowTitle(QString("Kestrometer Suite (build: %1) (mode: %2)")
                        .arg(BuildInfo::version, Settings::get_installation_type_string()));
     setWindowState(Qt::WindowMaximized);
+    rebuild_cycle_checkbox_grid();
     set_lhs_width();
 }
 
 MainWindow::~MainWindow()
 {
+    retire(bottom_chart_box);
+    retire(header_box);
     // Before the window's widgets go: each station commands its instrument off and closes its logs.
     const QList<TestStation*> stations = TestStation::all_instances;
     qDeleteAll(stations);

@@ -72,16 +72,20 @@ void MainWindow::edit_settings()
 {
     EditSettingsDialog dialog(this);
     dialog.exec();
-    // The file may have been edited by hand: a rate of 0 must not end the program.
-    chart_refresh_timer.setInterval(1000 / std::max(1, Settings::get_chart_refresh_rate()));
+    set_chart_refresh_interval();
 }
 
 void MainWindow::add_station(TestStation* station)
 {
     connect(station, &TestStation::sig_id_change, this, &MainWindow::slot_id_change);
+    connect(station, &TestStation::sig_max_cycle_change, this,
+            &MainWindow::slot_refresh_chart_cycle_list);
     connect(station, &TestStation::sig_close_request, this, &MainWindow::slot_close_request);
+    connect(station, &TestStation::sig_repaint_chart_request, this,
+            &MainWindow::slot_refresh_charts);
     connect(this, &MainWindow::sig_blink, station, &TestStation::slot_blink);
     slot_id_change();
+    rebuild_cycle_checkbox_grid();
 }
 
 void MainWindow::slot_id_change()
@@ -107,6 +111,8 @@ void MainWindow::slot_close_request(TestStation* station)
     ui->verticalLayout->removeWidget(station);
     disconnect(this, &MainWindow::sig_blink, station, &TestStation::slot_blink);
     delete station;
+    rebuild_cycle_checkbox_grid();
+    slot_refresh_charts();
 }
 
 void MainWindow::adopt_panel_width()

@@ -10,6 +10,7 @@ int TestStation::num_previews = 0;
 LineChart TestStation::voltage_vs_amphours_chart;
 LineChart TestStation::current_vs_amphours_chart;
 LineChart TestStation::internal_resistance_chart;
+SelectionKillerDelegate TestStation::selection_killer_delegate;
 
 TestStation::TestStation(QWidget* parent, Kestrometer* instrument)
     : QFrame(parent),
@@ -19,6 +20,7 @@ TestStation::TestStation(QWidget* parent, Kestrometer* instrument)
 {
     all_instances.append(this);
     ui->setupUi(this);
+    set_up_all_cycles_checkbox();
     if (kestrometer == nullptr)
         preview_number = ++num_previews;
     set_up_panel();

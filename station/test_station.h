@@ -2,11 +2,15 @@
 
 #include "charts/line_chart.h"
 #include "station/phase.h"
+#include "station/selection_killer_delegate.h"
 #include "station/test_cycle.h"
 
+#include <QCheckBox>
 #include <QColor>
+#include <QComboBox>
 #include <QDateTime>
 #include <QFrame>
+#include <QLabel>
 #include <QList>
 
 #include <memory>
@@ -44,6 +48,7 @@ public:
     static LineChart voltage_vs_amphours_chart;
     static LineChart current_vs_amphours_chart;
     static LineChart internal_resistance_chart;
+    static SelectionKillerDelegate selection_killer_delegate;  ///< of all colour boxes
 
     // ---- test_station_progress.cpp: how far the test has come ---------------
     /** Place of the current cycle counted from 1; 0 before the first discharge. */
@@ -73,6 +78,7 @@ private:
     void record_charge(double time);
     void record_discharge(double time, double elapsed);
     void check_transitions();
+    void rename_curves();
 
     // ---- test_station_resistance.cpp: the load's short absences -------------
     bool internal_resistance_test_due() const;
@@ -198,6 +204,19 @@ private:
     void blink_next_button();
     void show_instrument_health();
 
+    // ---- test_station_selection.cpp: the station's row above the charts ------
+private slots:
+    void slot_all_cycles_checkbox_clicked();
+    void slot_color_change(int index);
+
+public:
+    /** Fills the colour box, whose items bear the station's identity; the choice stays. */
+    void repopulate_color_combobox();
+
+private:
+    void set_up_all_cycles_checkbox();
+    void set_up_color_combobox();
+
     // ---- test_station_edits.cpp: what the operator types ---------------------
 private slots:
     void on_pbExpandCollapse_clicked();
@@ -228,6 +247,11 @@ public:
     double internal_resistance_test_interval_ah = 0.5;
     int max_charge_time = 21600;       ///< seconds; the panel shows hours
     double low_voltage_cutoff = 19.0;  ///< volts
+
+    // ---- shared data: the row above the charts, placed by the window --------
+    QLabel serial_number_label;
+    QComboBox color_combobox;
+    QCheckBox all_cycles_checkbox;
 
     // ---- shared data: the engine, the instrument and the logs ---------------
     Series charge_voltage_series;  ///< present charge leg: x seconds since it began, y volts

@@ -31,6 +31,7 @@ void TestStation::populate_ui()
 {
     ui->leProfileName->setText(profile_name);
     ui->leSerialNumber->setText(serial_number);
+    serial_number_label.setText(serial_number);
     ui->sbNumberOfCycles->setValue(number_of_cycles);
     ui->leMaxChargeTime->setText(QString::number(max_charge_time / 3600));
     ui->leLowVoltageCutoff->setText(parameter(low_voltage_cutoff));

@@ -59,6 +59,7 @@ void TestStation::on_leSerialNumber_textEdited(const QString& text)
 {
     serial_number = text.trimmed();
     serial_number_edited = true;
+    serial_number_label.setText(serial_number);
     update_ui();
     ui->pbSaveProfile->setEnabled(true);
 }

@@ -193,8 +193,13 @@ void TestStation::check_transitions()
 
 void TestStation::slot_id_change()
 {
-    if (data_log == nullptr)
-        return;
+    if (data_log != nullptr)
+        rename_curves();
+    repopulate_color_combobox();
+}
+
+void TestStation::rename_curves()
+{
     const QString name = QString::number(kestrometer->id);
     for (TestCycle* cycle : cycles) {
         cycle->voltage_vs_amphours.name = name;

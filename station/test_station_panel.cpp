@@ -63,6 +63,7 @@ void TestStation::set_up_panel()
     set_up_parameters();
     populate_ui();
     update_ui();
+    set_up_color_combobox();
     if (kestrometer == nullptr)
         ui->leSerialNumber->setEnabled(false);
     set_summary_fonts();
@@ -142,6 +143,8 @@ void TestStation::set_widget_sizes()
     pin_width({ui->pbStartSkip, ui->pbNewTest, ui->pbLoadLog, ui->pbGeneratePDF, ui->laVoltage,
                ui->laCurrent, ui->laCummAmpHours2, ui->laCycleNumber},
               w / 2);
+    pin_width({&color_combobox}, text_width(&color_combobox, "Preview 000") +
+                                     color_combobox.minimumSizeHint().height());
     for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
         make_square(button);
     pin_label_heights();

@@ -1,0 +1,239 @@
+#include "app/main_window.h"
+
+#include "ui_main_window.h"
+
+#include "charts/paint_box.h"
+#include "charts/plot_text.h"
+#include "common/colors.h"
+#include "common/widget_sizing.h"
+#include "config/settings.h"
+#include "station/test_station.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMutex>
+#include <QPainter>
+#include <QPixmap>
+#include <QScreen>
+
+namespace
+{
+constexpr double SMOOTHING_INTERVAL_AH = 0.2;
+constexpr double GRIDLINE_INCHES = 0.5;
+constexpr double DOT_RADIUS_INCHES = 0.015625;
+constexpr int LOGO_MARGIN = 3;
+constexpr int BOTTOM_CHART_EMS = 8;
+
+const QChar OHM(0x2126);
+
+Series* series_of(TestCycle& cycle, char chart_type)
+{
+    switch (chart_type) {
+    case 'V':
+        return &cycle.voltage_vs_amphours;
+    case 'I':
+        return &cycle.current_vs_amphours;
+    default:
+        return &cycle.internal_resistance;
+    }
+}
+
+/** Unchecked also without any cycle. */
+Qt::CheckState common_check_state(const QList<TestCycle*>& cycles)
+{
+    int checked = 0;
+    for (const TestCycle* cycle : cycles)
+        if (cycle->checkbox.checkState() == Qt::Checked)
+            ++checked;
+    if (checked == 0)
+        return Qt::Unchecked;
+    return checked == cycles.size() ? Qt::Checked : Qt::PartiallyChecked;
+}
+}  // namespace
+
+void MainWindow::set_up_chart_boxes()
+{
+    voltage_chart_box = new PaintBox(this);
+    bottom_chart_box = new PaintBox(this);
+    header_box = new PaintBox(this);
+    ui->verticalLayout->addStretch();
+    for (PaintBox* box : {voltage_chart_box, bottom_chart_box}) {
+        box->rubberband_enabled = true;
+        connect(box, &PaintBox::sig_rubberband, this, &MainWindow::slot_rubberband);
+    }
+}
+
+void MainWindow::set_up_chart_controls()
+{
+    for (QPushButton* button : {ui->pbCancelVoltageZoom, ui->pbCancelCurrentZoom})
+        button->setEnabled(false);
+    for (QWidget* control : QList<QWidget*>{ui->pbCancelVoltageZoom, ui->cbSmoothVoltageChart}) {
+        control->setParent(voltage_chart_box);
+        control->adjustSize();
+    }
+    for (QWidget* control :
+         QList<QWidget*>{ui->pbCancelCurrentZoom, ui->cbSmoothCurrentChart, ui->cbBottomChart}) {
+        control->setParent(bottom_chart_box);
+        control->adjustSize();
+    }
+    set_width_in_ems(ui->cbBottomChart, BOTTOM_CHART_EMS, true);
+    // One pixel apart, on purpose: the width here, the right edge there.
+    ui->cbSmoothVoltageChart->move(ui->pbCancelVoltageZoom->width(), 0);
+    ui->cbSmoothCurrentChart->move(ui->pbCancelCurrentZoom->geometry().right(), 0);
+    reposition_controls_on_bottom_chart();
+
+    ui->chart_layout->insertWidget(0, header_box);
+    ui->splitter2->addWidget(voltage_chart_box);
+    ui->splitter2->addWidget(bottom_chart_box);
+}
+
+void MainWindow::set_up_charts()
+{
+    struct SetUp
+    {
+        LineChart& chart;
+        QString title;
+        QString y_caption;
+    };
+    const SetUp set_ups[] = {
+        {TestStation::voltage_vs_amphours_chart, "Voltage vs. Amp-Hours", "Voltage (V)"},
+        {TestStation::current_vs_amphours_chart, "Current vs. Amp-Hours", "Current (A)"},
+        {TestStation::internal_resistance_chart, "Internal Resistance vs. Amp-Hours",
+         QString("Internal Resistance (m%1)").arg(OHM)},
+    };
+    for (const SetUp& set_up : set_ups) {
+        LineChart& chart = set_up.chart;
+        chart.top_axis.caption = set_up.title;
+        chart.bottom_axis.caption = "Amp-Hours (Ah)";
+        chart.left_axis.caption = set_up.y_caption;
+        chart.grid_pen =
+            QPen(QBrush(Colors::pale_gray), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+        chart.bottom_axis.forced_range.min = 0;
+        chart.left_axis.forced_range.min = 0;
+    }
+    connect(header_box, &PaintBox::sig_paint, this, &MainWindow::slot_paint_kest_logo);
+    connect(voltage_chart_box, &PaintBox::sig_paint, this, &MainWindow::slot_paint_voltage_chart);
+    connect(bottom_chart_box, &PaintBox::sig_paint, this, &MainWindow::slot_paint_current_chart);
+    connect(&chart_refresh_timer, &QTimer::timeout, this, &MainWindow::slot_refresh_charts);
+    set_chart_refresh_interval();
+    chart_refresh_timer.start();
+}
+
+void MainWindow::set_chart_refresh_interval()
+{
+    // The file may have been edited by hand: a rate of 0 must not end the program.
+    chart_refresh_timer.setInterval(1000 / qMax(1, Settings::get_chart_refresh_rate()));
+}
+
+void MainWindow::slot_refresh_charts()
+{
+    for (TestStation* station : qAsConst(TestStation::all_instances))
+        station->all_cycles_checkbox.setCheckState(common_check_state(station->cycles));
+    voltage_chart_box->update();
+    bottom_chart_box->update();
+}
+
+void MainWindow::slot_paint_voltage_chart(QPainter* painter, QRect rect)
+{
+    repaint_chart(painter, rect, 'V', &TestStation::voltage_vs_amphours_chart, voltage_zoom.get(),
+                  LINES, ui->cbSmoothVoltageChart->isChecked());
+}
+
+void MainWindow::slot_paint_current_chart(QPainter* painter, QRect rect)
+{
+    const QString shown = ui->cbBottomChart->currentText();
+    if (shown == "Current")
+        repaint_chart(painter, rect, 'I', &TestStation::current_vs_amphours_chart,
+                      bottom_zoom.get(), LINES, ui->cbSmoothCurrentChart->isChecked());
+    else if (shown == "RBatt")
+        repaint_chart(painter, rect, 'R', &TestStation::internal_resistance_chart,
+                      bottom_zoom.get(), DOTS, false);
+}
+
+void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, LineChart* chart,
+                               ZoomInterval* zoom, ChartStyle style, bool smooth)
+{
+    // A chart that fails stays as far as it was painted; the test under it goes on.
+    try {
+        painter->setBrush(Qt::white);
+        painter->drawRect(rect);
+        const QList<Series*> series = get_series_list_to_plot(chart_type);
+        const double dpi = QGuiApplication::primaryScreen()->physicalDotsPerInch();
+        chart->plot(series, painter, rect, dpi * GRIDLINE_INCHES, style,
+                    smooth ? SMOOTHING_INTERVAL_AH : 0.0, int(dpi * DOT_RADIUS_INCHES), int(dpi),
+                    false, zoom);
+        if (style == LINES)
+            plot_series_captions(painter, series);
+        plot_closest_chart_point(series, chart_type, qobject_cast<PaintBox*>(sender()), chart,
+                                 painter);
+    } catch (...) {
+    }
+}
+
+QList<Series*> MainWindow::get_series_list_to_plot(char chart_type)
+{
+    QList<Series*> list;
+    for (TestStation* station : qAsConst(TestStation::all_instances)) {
+        int number = 0;
+        for (TestCycle* cycle : qAsConst(station->cycles)) {
+            ++number;
+            if (cycle->checkbox.checkState() != Qt::Checked)
+                continue;
+            Series* series = series_of(*cycle, chart_type);
+            series->name = QString("%1:%2").arg(station->get_id()).arg(number);
+            list.append(series);
+        }
+    }
+    return list;
+}
+
+void plot_series_captions(QPainter* painter, const QList<Series*>& series)
+{
+    for (const Series* one : series) {
+        if (one->points.isEmpty())
+            continue;
+        const QPoint pixel = one->map_point(one->points.last());
+        painter->setPen(Qt::black);
+        painter->setBrush(Qt::white);
+        plot_text(painter, one->name, 0, Qt::AlignCenter, Qt::AlignVCenter, true, pixel.x(),
+                  pixel.y());
+    }
+}
+
+void MainWindow::on_cbSmoothVoltageChart_stateChanged(int)
+{
+    voltage_chart_box->repaint();
+}
+
+void MainWindow::on_cbSmoothCurrentChart_stateChanged(int)
+{
+    bottom_chart_box->repaint();
+}
+
+void MainWindow::on_cbBottomChart_currentTextChanged(const QString& text)
+{
+    // Resistances are dots, which are never smoothed.
+    ui->cbSmoothCurrentChart->setEnabled(text == "Current");
+    cancel_bottom_zoom();
+}
+
+void MainWindow::reposition_controls_on_bottom_chart()
+{
+    static auto* const label = new QLabel("Chart to display: ", bottom_chart_box);
+    if (label->parentWidget() != bottom_chart_box) {
+        label->setParent(bottom_chart_box);
+        label->show();
+    }
+    label->adjustSize();
+    const QComboBox* box = ui->cbBottomChart;
+    ui->cbBottomChart->move(bottom_chart_box->width() - box->width(), 0);
+    label->move(box->x() - label->width(), (box->height() - label->height()) / 2);
+}
+
+void MainWindow::slot_paint_kest_logo(QPainter* painter, QRect rect)
+{
+    reposition_controls_on_bottom_chart();
+    static const auto& logo = *new QPixmap(":/battery_tester_logo_267x67.png");
+    if (rect.width() - grid_width >= logo.width())
+        painter->drawPixmap(rect.width() - logo.width() - LOGO_MARGIN, 0, logo);
+}
