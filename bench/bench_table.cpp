@@ -1,8 +1,9 @@
 #include "bench_table.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
+#include <string>
 
 namespace
 {
@@ -10,16 +11,36 @@ constexpr int ROUNDS = 41;
 
 double nanoseconds_for(const std::function<void()>& work)
 {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = cpu_seconds();
     work();
-    const auto end = std::chrono::steady_clock::now();
-    return std::chrono::duration<double, std::nano>(end - start).count();
+    return (cpu_seconds() - start) * 1e9;
 }
 
-double median(std::vector<double> times)
+std::string text(const char* format, double value, const char* unit)
 {
-    std::nth_element(times.begin(), times.begin() + ROUNDS / 2, times.end());
-    return times[ROUNDS / 2];
+    char cell[64];
+    std::snprintf(cell, sizeof cell, format, value);
+    return std::string(cell) + unit;
+}
+
+/** Three digits that mean something; nanoseconds in large numbers turn into larger units. */
+std::string figure(double value, std::string unit)
+{
+    for (const char* larger : {"us", "ms"}) {
+        if ((unit != "ns" && unit != "us") || value < 10000.0)
+            break;
+        value /= 1000.0;
+        unit = larger;
+    }
+    const char* format = value >= 1000.0 ? "%.0f " : value >= 10.0 ? "%.1f " : "%.2f ";
+    return text(format, value, unit.c_str());
+}
+
+std::string target_of(const BenchRow& row)
+{
+    if (row.target_ratio > 0.0)
+        return text("<= %.2f", row.target_ratio, "");
+    return row.target_figure > 0.0 ? "<= " + figure(row.target_figure, row.unit) : std::string();
 }
 }  // namespace
 
@@ -39,16 +60,29 @@ BenchRow measure(const char* work, int pieces, double target_ratio,
 
 void print_bench_table(const std::vector<BenchRow>& rows)
 {
-    std::printf("%-52s %12s %12s %8s %8s\n", "work", "ours ns", "limit ns", "ratio", "target");
+    std::printf("%-52s | %12s | %12s | %7s | %s\n", "work", "ours", "limit", "ratio", "target");
     for (const BenchRow& row : rows) {
-        std::printf("%-52s %12.1f %12.1f %8.2f ", row.work, row.ours, row.limit,
-                    row.ours / row.limit);
-        if (row.target_ratio > 0.0)
-            std::printf("%8.2f\n", row.target_ratio);
-        else
-            std::printf("%8s\n", "");
+        const bool compared = row.limit > 0.0;
+        std::printf(
+            "%-52s | %12s | %12s | %7s | %s\n", row.work, figure(row.ours, row.unit).c_str(),
+            compared ? figure(row.limit, row.unit).c_str() : "",
+            compared ? text("%.2f", row.ours / row.limit, "").c_str() : "", target_of(row).c_str());
     }
     std::fflush(stdout);
+}
+
+double cpu_seconds()
+{
+    timespec used = {};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &used);
+    return double(used.tv_sec) + double(used.tv_nsec) * 1e-9;
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + long(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
 }
 
 void keep(double result)
