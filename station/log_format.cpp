@@ -2,6 +2,7 @@
 
 #include "common/build_info.h"
 #include "common/date_time.h"
+#include "common/fixed_decimal.h"
 
 namespace LogFormat
 {
@@ -42,11 +43,6 @@ QString interval(const Section& section)
     return QString("IR Test Interval (Ah):       %1\n")
         .arg(section.internal_resistance_test_interval_ah);
 }
-
-void append_number(QString& row, double value, int decimals)
-{
-    row += QString::number(value, 'f', decimals);
-}
 }  // namespace
 
 QString file_header(const QString& battery_name, const QString& serial_number)
@@ -73,32 +69,30 @@ QString discharge_section_header(const Section& section)
 
 QString charge_row(double time, double voltage)
 {
-    QString row;
-    row.reserve(32);
-    append_number(row, time, 1);
-    row += ',';
-    append_number(row, voltage, 2);
-    row += '\n';
-    return row;
+    TextBuffer row;
+    append_fixed(row, time, 1);
+    row.append(',');
+    append_fixed(row, voltage, 2);
+    row.append('\n');
+    return QString(row.constData(), row.size());
 }
 
 QString discharge_row(double time, double amp_hours, double voltage, double current, double ir)
 {
-    QString row;
-    row.reserve(48);
-    append_number(row, time, 1);
-    row += ',';
-    append_number(row, amp_hours, 3);
-    row += ',';
-    append_number(row, voltage, 2);
-    row += ',';
-    append_number(row, current, 2);
+    TextBuffer row;
+    append_fixed(row, time, 1);
+    row.append(',');
+    append_fixed(row, amp_hours, 3);
+    row.append(',');
+    append_fixed(row, voltage, 2);
+    row.append(',');
+    append_fixed(row, current, 2);
     if (ir != 0.0) {
-        row += ',';
-        append_number(row, ir, 3);
+        row.append(',');
+        append_fixed(row, ir, 3);
     }
-    row += '\n';
-    return row;
+    row.append('\n');
+    return QString(row.constData(), row.size());
 }
 
 QString event_line(const QDateTime& time, const QString& text)
