@@ -1,5 +1,7 @@
 #include "common/date_time.h"
 
+#include <limits>
+
 namespace Time
 {
 const QString ISO_8601_DATE_TIME_FORMAT_MS = "yyyy-MM-dd hh:mm:ss.zzz";
@@ -15,11 +17,29 @@ std::function<QDateTime()>& other_clock()
     static std::function<QDateTime()> clock;
     return clock;
 }
+
+/** Seconds east of UTC. The zone is asked once a second: only between seconds does its clock jump. */
+int offset_at(qint64 milliseconds)
+{
+    static qint64 known_second = std::numeric_limits<qint64>::min();
+    static int known_offset = 0;
+    const qint64 second = milliseconds / 1000;
+    if (second != known_second) {
+        known_offset = QDateTime::fromMSecsSinceEpoch(milliseconds).offsetFromUtc();
+        known_second = second;
+    }
+    return known_offset;
+}
 }  // namespace
 
 QDateTime now()
 {
-    return other_clock() ? other_clock()() : QDateTime::currentDateTime();
+    return other_clock() ? other_clock()() : local_time(QDateTime::currentMSecsSinceEpoch());
+}
+
+QDateTime local_time(qint64 milliseconds)
+{
+    return QDateTime::fromMSecsSinceEpoch(milliseconds, Qt::OffsetFromUTC, offset_at(milliseconds));
 }
 
 void set_clock(std::function<QDateTime()> clock)
