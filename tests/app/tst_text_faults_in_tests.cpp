@@ -17,6 +17,7 @@ private slots:
     void absurd_numbers_are_taken_as_they_are_data();
     void absurd_numbers_are_taken_as_they_are();
     void a_number_beyond_all_bounds_fills_rows_but_ends_nothing();
+    void megabytes_without_a_line_end_belong_to_a_field_that_nobody_reads();
     void every_phase_is_struck();
 };
 
@@ -126,6 +127,13 @@ void TextFaultsInTestsTest::a_number_beyond_all_bounds_fills_rows_but_ends_nothi
     const QByteArray number = QByteArray::number(1e308, 'f', 2);
     QCOMPARE(number.size(), 312);
     QVERIFY(tour.test.bench.csv().contains("1.0," + number + '\n'));
+}
+
+void TextFaultsInTestsTest::megabytes_without_a_line_end_belong_to_a_field_that_nobody_reads()
+{
+    PhaseTour tour("babble 3000000", {PHASE_DISCHARGING});
+    QVERIFY(tour.run());
+    QCOMPARE(tour.test.difference_from(TAKEN.golden), QString());
 }
 
 void TextFaultsInTestsTest::every_phase_is_struck()

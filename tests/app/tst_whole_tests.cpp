@@ -1,14 +1,10 @@
 #include "support/whole_test.h"
 
 #include "config/settings.h"
-#include "device/kestrometer.h"
 #include "station/test_station.h"
-#include "support/golden_file.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSpinBox>
 #include <QtTest>
 
@@ -26,7 +22,6 @@ private slots:
     void the_final_charge_ends_at_its_time();
     void time_and_voltage_check_of_the_final_charge_fall_on_one_line();
     void raw_telemetry_stands_in_the_event_log();
-    void two_stations_keep_apart();
 };
 
 namespace
@@ -35,16 +30,6 @@ void untick(StationBench& bench, const char* box)
 {
     if (bench.widget<QCheckBox>(box)->isChecked())
         bench.widget<QCheckBox>(box)->click();
-}
-
-void type_into(const TestStation& station, const char* edit, const QString& text)
-{
-    QTest::keyClicks(station.findChild<QLineEdit*>(edit), text);
-}
-
-void click_on(const TestStation& station, const char* button)
-{
-    QTest::mouseClick(station.findChild<QPushButton*>(button), Qt::LeftButton);
 }
 }  // namespace
 
@@ -185,43 +170,6 @@ void WholeTestsTest::raw_telemetry_stands_in_the_event_log()
     QCOMPARE(test.station.phase, PHASE_DONE);
     test.run(2);
     QCOMPARE(test.difference_from("raw_telemetry"), QString());
-}
-
-void WholeTestsTest::two_stations_keep_apart()
-{
-    WholeTest first;
-    StationBench& bench = first.bench;
-    Wire second_wire;
-    TestStation second(nullptr, new Kestrometer(second_wire.port_name()));
-    PackModel small_pack = WholeTest::quick_pack();
-    small_pack.capacity_ah = 0.02;
-    SimulatedLink second_link(second_wire, second, small_pack, 31);
-    second.show();
-    for (TestStation* station : {&first.station, &second})
-        station->max_charge_time = 60;
-    type_into(second, "leProfileName", "Pack B");
-    type_into(second, "leSerialNumber", "31");
-
-    first.start("Pack A", "1042");
-    for (int elapsed = 0; elapsed < 250; ++elapsed) {
-        first.run(1);
-        second_link.advance(1);
-        if (elapsed == 9)
-            click_on(second, "pbStartSkip");
-        // One instrument falls silent, and the other goes on.
-        if (elapsed == 30)
-            first.link.set_fault("silence 4");
-        second_link.take_commands();
-    }
-    const QStringList differences = {
-        first.difference_from("first_of_two"),
-        difference_from_golden("second_of_two.commands", second_link.commands),
-        difference_from_golden("second_of_two.csv", bench.file("Pack B_31.csv")),
-        difference_from_golden("second_of_two.txt", bench.file("Pack B_31.txt")),
-    };
-    QCOMPARE(differences.join(QString()), QString());
-    QCOMPARE(first.station.phase, PHASE_DONE);
-    QCOMPARE(second.phase, PHASE_DONE);
 }
 
 QTEST_MAIN(WholeTestsTest)
