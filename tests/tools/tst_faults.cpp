@@ -361,6 +361,8 @@ void FaultsTest::a_bad_line_is_told_and_changes_nothing_data()
                               << "Fault \"silence\": \"nan\" " + seconds;
     QTest::newRow("comma") << "silence 1,5"
                            << "Fault \"silence\": \"1,5\" " + seconds;
+    row("burst forever",
+        "Fault \"burst\": \"forever\" is not a number of seconds from 0.001 to 100000.");
     row("slow 1001", "Fault \"slow\": \"1001\" is not a whole number from 1 to 1000.");
     row("late-commands -1",
         "Fault \"late-commands\": \"-1\" is not a number of lines from 0 to 1000.");

@@ -6,6 +6,10 @@
 #include <QtTest>
 
 #include <csignal>
+#include <fcntl.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
 
 class KestSimulatorTest : public QObject
 {
@@ -23,6 +27,8 @@ private slots:
     void a_split_line_arrives_whole();
     void megabytes_without_a_line_end_arrive_whole();
     void nobody_gets_lines_from_before_he_came();
+    void a_reader_who_is_killed_leaves_no_traces();
+    void closed_standard_streams_do_no_harm();
     void a_port_vanishes_and_comes_back_under_its_link();
     void a_port_may_be_gone_from_the_start();
     void a_stale_link_is_replaced();
@@ -42,7 +48,7 @@ private slots:
 
 namespace
 {
-constexpr int PATIENCE_MS = 8000;  // a limit for what has gone wrong; nothing waits for it to pass
+constexpr int PATIENCE_MS = 60000;  // a limit for what has gone wrong; nothing waits for it to pass
 
 const QByteArray OFF = "KEST\t25.20\t0.0\t25.0\t0\tID=7\tO\r\n";
 const QByteArray DISCHARGING = "KEST\t24.45\t5.0\t25.0\t0\tID=7\tD\r\n";
@@ -278,6 +284,47 @@ void KestSimulatorTest::nobody_gets_lines_from_before_he_came()
     const QByteArray line = "KEST\t25.20\t0.0\t25.0\t0\tID=8\tO\r\n";
     QVERIFY(reader.reads(line));
     QVERIFY2(reader.received.startsWith(line), reader.received.left(200).constData());
+}
+
+void KestSimulatorTest::a_reader_who_is_killed_leaves_no_traces()
+{
+    Simulator simulator(STEADY);
+    const QByteArray path = QFile::encodeName(simulator.next_line());
+    const int killed = ::open(path.constData(), O_RDWR | O_NOCTTY);
+    QVERIFY(killed >= 0);
+    termios settings = {};
+    QCOMPARE(::tcgetattr(killed, &settings), 0);
+    settings.c_lflag |= ECHO | ICANON;
+    QCOMPARE(::tcsetattr(killed, TCSANOW, &settings), 0);
+    QCOMPARE(::ioctl(killed, TIOCEXCL), 0);
+    ::close(killed);
+    simulator.settle();
+
+    const int next = ::open(path.constData(), O_RDWR | O_NOCTTY);
+    QVERIFY(next >= 0);
+    int alone = -1;
+    QCOMPARE(::ioctl(next, TIOCGEXCL, &alone), 0);
+    QCOMPARE(alone, 0);
+    QCOMPARE(::tcgetattr(next, &settings), 0);
+    QCOMPARE(settings.c_lflag & (ECHO | ICANON), 0u);
+    ::close(next);
+}
+
+void KestSimulatorTest::closed_standard_streams_do_no_harm()
+{
+    QTemporaryDir folder;
+    const QString link = folder.filePath("kest0");
+    QProcess shell;
+    shell.start("sh", QStringList{"-c", "exec \"$@\" <&- >&- 2>&-", "sh", KEST_SIMULATOR} + STEADY +
+                          QStringList{"--link", link});
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(link), PATIENCE_MS);
+    Reader reader(link);
+    QVERIFY(reader.reads(OFF));
+    reader.write("D");
+    QVERIFY(reader.reads(DISCHARGING));
+    shell.terminate();
+    QVERIFY(shell.waitForFinished(PATIENCE_MS));
+    QCOMPARE(shell.exitCode(), 0);
 }
 
 void KestSimulatorTest::a_port_vanishes_and_comes_back_under_its_link()

@@ -21,6 +21,7 @@ constexpr ArgumentKind NUMBERS[] = {
     {"lines", "a number of lines from 1 to 1000000, or \"forever\"", true, 1, 1e6, "forever"},
     {"seconds", "a number of seconds from 0.001 to 10000000, or \"forever\"", false, 1e-3, 1e7,
      "forever"},
+    {"time", "a number of seconds from 0.001 to 100000", false, 1e-3, 1e5, nullptr},
     {"count", "a whole number from 1 to 1000", true, 1, 1000, nullptr},
     {"delay", "a number of lines from 0 to 1000", true, 0, 1000, nullptr},
     {"bytes", "a number of bytes from 1 to 100000000", true, 1, 1e8, nullptr},

@@ -199,7 +199,7 @@ const QVector<FaultRow> ROWS = {
      [](Instrument& i, const Arguments& a, const FaultRow&) {
          i.faults.silent_seconds = a.number(0);
      }},
-    {FaultGroup::Time, "burst", "<seconds>",
+    {FaultGroup::Time, "burst", "<time>",
      "The lines of this time are held back and written at once, with the first line behind it.",
      [](Instrument& i, const Arguments& a, const FaultRow&) {
          i.faults.burst_seconds = a.number(0);

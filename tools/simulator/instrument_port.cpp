@@ -149,5 +149,5 @@ void InstrumentPort::drop_queue()
     queued_bytes = 0;
     next_byte.stop();
     writable->setEnabled(false);
-    terminal.discard_unread();
+    terminal.make_fresh();
 }

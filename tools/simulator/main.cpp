@@ -6,6 +6,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -13,6 +14,14 @@ namespace
 {
 constexpr int BAD_SYSTEM = 1;
 constexpr int BAD_ARGUMENTS = 2;
+
+/** Else a port or a signal would get the number of a standard stream that the caller has closed. */
+void fill_standard_streams()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0)
+            ::open("/dev/null", O_RDWR);
+}
 
 /** A descriptor that becomes readable when the process is asked to end. */
 int catch_ending_signals()
@@ -29,6 +38,7 @@ int catch_ending_signals()
 
 int main(int argc, char* argv[])
 {
+    fill_standard_streams();
     const int ending = catch_ending_signals();
     QCoreApplication application(argc, argv);
     Options options;

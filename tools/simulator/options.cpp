@@ -87,9 +87,9 @@ QString read_number(const NumberOption& option, const QString& text, Options& op
 QString read_numbers(const QCommandLineParser& parser, Options& options)
 {
     for (const NumberOption& option : NUMBERS) {
-        const QString error = parser.isSet(option.name)
-                                  ? read_number(option, parser.value(option.name), options)
-                                  : QString();
+        QString error = parser.isSet(option.name)
+                            ? read_number(option, parser.value(option.name), options)
+                            : QString();
         if (!error.isEmpty())
             return error;
     }

@@ -5,8 +5,21 @@
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
+
+namespace
+{
+bool set_raw(int descriptor)
+{
+    termios settings = {};
+    if (::tcgetattr(descriptor, &settings) != 0)
+        return false;
+    ::cfmakeraw(&settings);
+    return ::tcsetattr(descriptor, TCSANOW, &settings) == 0;
+}
+}  // namespace
 
 PseudoTerminal::PseudoTerminal() = default;
 
@@ -28,14 +41,11 @@ bool PseudoTerminal::open(QString& error)
     }
     slave_path = QString::fromLocal8Bit(name);
     keeper = ::open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    termios settings = {};
-    if (keeper < 0 || ::tcgetattr(keeper, &settings) != 0) {
+    if (keeper < 0 || !set_raw(keeper)) {
         error = QString("%1 cannot be opened: %2").arg(slave_path, std::strerror(errno));
         close();
         return false;
     }
-    ::cfmakeraw(&settings);
-    ::tcsetattr(keeper, TCSANOW, &settings);
     return true;
 }
 
@@ -101,10 +111,14 @@ bool PseudoTerminal::has_unread() const
     return keeper >= 0 && ::poll(&waiting, 1, 0) > 0 && (waiting.revents & POLLIN) != 0;
 }
 
-void PseudoTerminal::discard_unread()
+void PseudoTerminal::make_fresh()
 {
-    if (keeper >= 0)
-        ::tcflush(keeper, TCIFLUSH);
+    if (keeper < 0)
+        return;
+    // A program that was killed has left the line to itself, with settings of its own.
+    ::ioctl(keeper, TIOCNXCL);
+    set_raw(keeper);
+    ::tcflush(keeper, TCIFLUSH);
 }
 
 QString PseudoTerminal::path() const

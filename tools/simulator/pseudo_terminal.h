@@ -25,8 +25,8 @@ public:
     QByteArray read(int count, int timeout_ms);
     /** True if something has been written and nobody has read it. */
     bool has_unread() const;
-    /** Throws away what has been written and nobody has read. */
-    void discard_unread();
+    /** As a real line is for the next reader: nothing unread, raw, and nobody's alone. */
+    void make_fresh();
 
     /** The other side as a file name, "/dev/pts/3". */
     QString path() const;
