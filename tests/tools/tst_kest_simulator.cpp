@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -35,6 +36,7 @@ private slots:
     void a_link_that_cannot_be_made_ends_with_status_1_data();
     void a_link_that_cannot_be_made_ends_with_status_1();
     void a_recording_is_played_to_its_end();
+    void a_recording_is_read_to_its_last_byte();
     void a_recording_keeps_its_own_pace();
     void a_recording_has_no_faults();
     void it_ends_when_asked_data();
@@ -277,6 +279,10 @@ void KestSimulatorTest::nobody_gets_lines_from_before_he_came()
         Reader reader(path);
         QVERIFY(reader.reads(OFF));
     }
+    const int idle = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NOCTTY);
+    pollfd unread = {idle, POLLIN, 0};
+    QCOMPARE(::poll(&unread, 1, PATIENCE_MS), 1);
+    ::close(idle);
     simulator.settle();
     simulator.say("id 8");
     simulator.settle();
@@ -318,10 +324,11 @@ void KestSimulatorTest::closed_standard_streams_do_no_harm()
     shell.start("sh", QStringList{"-c", "exec \"$@\" <&- >&- 2>&-", "sh", KEST_SIMULATOR} + STEADY +
                           QStringList{"--link", link});
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(link), PATIENCE_MS);
+    for (const char* stream : {"0", "1", "2"})
+        QCOMPARE(QFile::symLinkTarget(QString("/proc/%1/fd/%2").arg(shell.processId()).arg(stream)),
+                 QString("/dev/null"));
     Reader reader(link);
     QVERIFY(reader.reads(OFF));
-    reader.write("D");
-    QVERIFY(reader.reads(DISCHARGING));
     shell.terminate();
     QVERIFY(shell.waitForFinished(PATIENCE_MS));
     QCOMPARE(shell.exitCode(), 0);
@@ -425,6 +432,25 @@ void KestSimulatorTest::a_recording_is_played_to_its_end()
     QVERIFY(reader.reads("line 4999\r\n"));
     QCOMPARE(reader.received, lines.replace("\n", "\r\n"));
     QVERIFY(simulator.ends_with(0));
+}
+
+void KestSimulatorTest::a_recording_is_read_to_its_last_byte()
+{
+    QTemporaryDir folder;
+    write_file(folder.filePath("lines"), "one\n");
+    Simulator simulator({"--replay", folder.filePath("lines"), "--exit-at-end"});
+    const QString path = simulator.next_line();
+    const int slow = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NOCTTY);
+    pollfd unread = {slow, POLLIN, 0};
+    QCOMPARE(::poll(&unread, 1, PATIENCE_MS), 1);
+    // Plenty of chances to end too early.
+    for (int i = 0; i < 300; ++i)
+        simulator.settle();
+    char bytes[16] = {};
+    QCOMPARE(int(::read(slow, bytes, sizeof bytes)), 5);
+    QCOMPARE(QByteArray(bytes), QByteArray("one\r\n"));
+    QVERIFY(simulator.ends_with(0));
+    ::close(slow);
 }
 
 void KestSimulatorTest::a_recording_keeps_its_own_pace()
