@@ -145,6 +145,7 @@ void LoadLogTest::a_preview_shows_the_test_of_a_log()
     QVERIFY(preview.text("laIntResistance").startsWith("14 m"));
     QCOMPARE(preview.find<QLineEdit>("leProfileName")->text(), QString("Pack A"));
     QCOMPARE(preview.find<QLineEdit>("leSerialNumber")->text(), QString("1042"));
+    QCOMPARE(station.serial_number_label.text(), QString("1042"));
     QCOMPARE(preview.find<QLineEdit>("leFinalCharge")->text(), QString("37.5"));
     QVERIFY(!preview.find<QLineEdit>("leSerialNumber")->isEnabled());
     QVERIFY(!preview.find<QComboBox>("cbProfile")->isEnabled());
