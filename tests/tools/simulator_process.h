@@ -18,9 +18,11 @@ inline const QStringList STEADY = {"--rate",   "500", "--id",       "7",
 /** The program itself, and what it says. */
 struct Simulator
 {
-    explicit Simulator(const QStringList& arguments)
+    /** As a rule the program ends with this process, even if the test crashes. */
+    explicit Simulator(const QStringList& arguments,
+                       const QStringList& bond = {"--exit-with-stdin"})
     {
-        process.start(KEST_SIMULATOR, arguments);
+        process.start(KEST_SIMULATOR, bond + arguments);
     }
     ~Simulator()
     {

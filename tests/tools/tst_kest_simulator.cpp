@@ -326,7 +326,7 @@ void KestSimulatorTest::it_ends_with_standard_input_only_if_asked()
     asked.process.closeWriteChannel();
     QVERIFY(asked.ends_with(0));
 
-    Simulator other(STEADY);
+    Simulator other(STEADY, {});
     const QString path = other.next_line();
     other.process.write("id 8");  // without a line end
     other.process.waitForBytesWritten(PATIENCE_MS);
