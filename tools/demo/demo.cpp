@@ -1,0 +1,151 @@
+#include "demo/demo.h"
+
+#include "common/console.h"
+#include "common/date_time.h"
+#include "config/settings.h"
+#include "demo/time_lapse.h"
+#include "device/kestrometer.h"
+#include "device/serial_ports.h"
+#include "station/test_station.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QSpinBox>
+
+/** What tells one station of the demo from the other. */
+struct Demo::Preparation
+{
+    QString pack;
+    int color;  ///< place in the list of colours
+};
+
+namespace
+{
+constexpr int POLL_MS = 100;
+constexpr int FIRST_ID = 7;
+constexpr double LONGEST_TEST_S = 6 * 3600.0;  // of the test's own time, for a run nobody watches
+
+/** Types `text` as the operator would, so that the panel's own slots take it over. */
+void type(const TestStation& station, const char* name, const QString& text)
+{
+    auto* edit = station.findChild<QLineEdit*>(name);
+    edit->setText(text);
+    emit edit->textEdited(text);
+}
+}  // namespace
+
+Demo::Demo(const DemoOptions& demo_options) : options(demo_options)
+{
+}
+
+Demo::~Demo() = default;
+
+bool Demo::start(QString& error)
+{
+    if (!start_instruments(error))
+        return false;
+    start_time_lapse(options.speed);
+    window = std::make_unique<MainWindow>(nullptr);
+    choose_directories();
+    // No window manager maximises it on the display of an unattended run.
+    window->resize(QGuiApplication::primaryScreen()->availableSize());
+    window->show();
+    running = add_station(simulators[0], {"Demo Pack", 6});
+    add_station(simulators[1], {"Spare Pack", 5});
+    started_at = Time::now().toSecsSinceEpoch();
+    connect(&poll, &QTimer::timeout, this, &Demo::press_start_when_ready);
+    poll.start(POLL_MS);
+    return true;
+}
+
+bool Demo::start_instruments(QString& error)
+{
+    QStringList names;
+    int id = FIRST_ID;
+    for (SimulatorProcess& simulator : simulators) {
+        if (!simulator.start({"--id", QString::number(id++), "--speed",
+                              QString::number(options.speed), "--exit-with-stdin"},
+                             error))
+            return false;
+        names.append(simulator.port_name());
+    }
+    SerialPorts::set_source([names] { return names + SerialPorts::names_of_this_machine(); });
+    return true;
+}
+
+void Demo::choose_directories() const
+{
+    const QString folder = options.unattended_folder.isEmpty()
+                               ? QDir(Settings::get_settings_dir()).filePath("logs")
+                               : QDir(options.unattended_folder).absolutePath();
+    QDir().mkpath(folder);
+    Settings::set_log_dir(folder);
+    Settings::set_pdf_dir(folder);
+}
+
+TestStation* Demo::add_station(const SimulatorProcess& simulator, const Preparation& preparation)
+{
+    auto* instrument = new Kestrometer(simulator.port_name());
+    instrument->set_state(Off);
+    auto* station = new TestStation(window.get(), instrument);
+    window->add_station(station);
+    station->color_combobox.setCurrentIndex(preparation.color);
+    type(*station, "leProfileName", preparation.pack);
+    // A number of its own for each run: a log that exists already would raise a question.
+    type(*station, "leSerialNumber", QDateTime::currentDateTime().toString("yyyyMMdd-hhmmss"));
+    type(*station, "leMaxChargeTime", "0.5");
+    station->findChild<QSpinBox*>("sbNumberOfCycles")->setValue(2);
+    return station;
+}
+
+void Demo::press_start_when_ready()
+{
+    auto* button = running->findChild<QPushButton*>("pbStartSkip");
+    if (running->kestrometer->id == -1 || !button->isEnabled())
+        return;
+    poll.stop();
+    poll.disconnect();
+    button->click();
+    if (options.unattended_folder.isEmpty())
+        return;
+    connect(&poll, &QTimer::timeout, this, &Demo::watch_unattended_test);
+    poll.start(POLL_MS);
+}
+
+void Demo::watch_unattended_test()
+{
+    const bool second_discharge =
+        running->phase == PHASE_DISCHARGING && running->get_cycle_number() == 2;
+    if (screenshot.isEmpty() && second_discharge && running->current_cycle->amp_hours > 1.0)
+        take_screenshot();
+    if (running->phase == PHASE_DONE)
+        finish_unattended();
+    else if (double(Time::now().toSecsSinceEpoch() - started_at) > LONGEST_TEST_S) {
+        print_to_console("The test has not come to its end; the logs show how far it got.\n");
+        QApplication::exit(1);
+    }
+}
+
+void Demo::take_screenshot()
+{
+    screenshot = QDir(options.unattended_folder).absoluteFilePath("screenshot.png");
+    window->grab().save(screenshot);
+}
+
+void Demo::finish_unattended()
+{
+    poll.stop();
+    const QStringList files = {running->data_log->fileName(), running->text_log->fileName(),
+                               screenshot};
+    bool complete = true;
+    print_to_console("The test is done. It left:\n");
+    for (const QString& file : files) {
+        complete = complete && QFile::exists(file);
+        print_to_console("  " + file + "\n");
+    }
+    QApplication::exit(complete ? 0 : 1);
+}

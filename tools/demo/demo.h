@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/main_window.h"
+#include "demo/demo_options.h"
+#include "demo/simulator_process.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <array>
+#include <memory>
+
+/** The application's own window with simulated instruments. */
+class Demo : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Demo(const DemoOptions& demo_options);
+    ~Demo() override;
+
+    /** Starts the instruments and shows the window; false, with the reason in `error`. */
+    bool start(QString& error);
+
+private:
+    struct Preparation;
+
+    bool start_instruments(QString& error);
+    void choose_directories() const;
+    TestStation* add_station(const SimulatorProcess& simulator, const Preparation& preparation);
+    void press_start_when_ready();
+    void watch_unattended_test();
+    void take_screenshot();
+    void finish_unattended();
+
+    DemoOptions options;
+    std::array<SimulatorProcess, 3> simulators;  ///< a test runs, one is prepared, one is free
+    std::unique_ptr<MainWindow> window;
+    TestStation* running = nullptr;  ///< owned by the window
+    QTimer poll;
+    QString screenshot;  ///< its file, once taken
+    qint64 started_at = 0;
+};
