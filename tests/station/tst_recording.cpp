@@ -21,6 +21,8 @@ private slots:
     void the_time_of_a_row_is_that_of_arrival();
     void a_line_that_ends_a_leg_belongs_to_it();
     void the_newest_reading_counts_for_all_of_the_time_since_the_line_before();
+    void fractions_of_a_second_count();
+    void two_pairs_of_readings_count_by_their_mean();
     void a_line_without_current_adds_to_nothing_but_time_data();
     void a_line_without_current_adds_to_nothing_but_time();
     void a_negative_current_lowers_the_totals();
@@ -174,6 +176,34 @@ void RecordingTest::the_newest_reading_counts_for_all_of_the_time_since_the_line
     QCOMPARE(cycle.voltage_vs_amphours.points.last(), QPointF(3.0, 36.0));
     QCOMPARE(cycle.current_vs_amphours.points.last(), QPointF(3.0, 4.0));
     QCOMPARE(last_rows(bench).last(), QString("1351.0,3.000,36.00,4.00"));
+}
+
+void RecordingTest::fractions_of_a_second_count()
+{
+    StationBench bench;
+    discharge_for_a_while(bench);
+    for (int line = 0; line < 4; ++line)
+        bench.receive_after(0.9, "40.00", "100.0", "D");
+    QCOMPARE(bench.station->current_cycle->amp_hours, 2.6);
+    QCOMPARE(bench.station->current_cycle->watt_hours, 104.0);
+    QCOMPARE(last_rows(bench).last(), QString("904.6,2.600,40.00,100.00"));
+}
+
+void RecordingTest::two_pairs_of_readings_count_by_their_mean()
+{
+    StationBench bench;
+    discharge_for_a_while(bench);
+    Kestrometer& instrument = *bench.instrument;
+    instrument.valid_voltage = 30.0;
+    instrument.voltage = 40.0;
+    instrument.valid_current = 2.0;
+    instrument.current = 4.0;
+    instrument.previous_data_time = instrument.last_data_time;
+    instrument.last_data_time = instrument.last_data_time.addSecs(3600);
+    bench.station->slot_measurement();
+    QCOMPARE(bench.station->current_cycle->amp_hours, 5.5);
+    QCOMPARE(bench.station->current_cycle->watt_hours, 205.0);
+    QCOMPARE(last_rows(bench).last(), QString("4501.0,5.500,40.00,4.00"));
 }
 
 void RecordingTest::a_line_without_current_adds_to_nothing_but_time_data()
