@@ -17,6 +17,7 @@ private slots:
     void a_new_interval_does_not_move_the_next_test();
     void ticking_measurement_sets_the_next_whole_interval_data();
     void ticking_measurement_sets_the_next_whole_interval();
+    void ticking_measurement_without_an_interval_tests_at_once();
     void unticking_measurement_leaves_the_schedule_alone();
     void low_voltage_on_the_starting_line_leaves_no_point();
 };
@@ -123,6 +124,22 @@ void ResistanceScheduleTest::ticking_measurement_sets_the_next_whole_interval()
     bench.station->current_cycle->amp_hours = amp_hours;
     box->click();
     QTEST(bench.station->next_ir_check_ah, "next");
+}
+
+void ResistanceScheduleTest::ticking_measurement_without_an_interval_tests_at_once()
+{
+    StationBench bench;
+    bring_to(bench, PHASE_DISCHARGING);
+    auto* box = bench.widget<QCheckBox>("cbMeasureInternalResistance");
+    bench.type("leInternalResistanceTestIntervalAh", "0");
+    box->click();
+    box->click();
+    bench.receive("40.00", "10.0", "D");
+    QCOMPARE(bench.station->phase, PHASE_IR_TEST);
+    // The schedule stays a number that a new interval can go on from.
+    bench.type("leInternalResistanceTestIntervalAh", "0.5");
+    complete_a_test(bench);
+    QCOMPARE(bench.station->phase, PHASE_DISCHARGING);
 }
 
 void ResistanceScheduleTest::unticking_measurement_leaves_the_schedule_alone()
