@@ -181,7 +181,7 @@ private:
     void set_up_validators();
     void set_up_parameters();
     void set_summary_fonts();
-    void pin_label_heights();
+    void set_up_readouts();
     void align_captions();
     void widen_hidden_status();
 
@@ -198,11 +198,14 @@ public slots:
 private:
     void show_start_skip(StartSkip button);
     void show_name_warnings();
+    void show_internal_resistance();
     void show_totals();
     void show_voltage();
     void show_current(const QDateTime& now);
     void blink_next_button();
     void show_instrument_health();
+
+    int shown_resistances = -1;  ///< points behind the mean that the panel shows; -1 for none yet
 
     // ---- test_station_selection.cpp: the station's row above the charts ------
 private slots:

@@ -4,6 +4,7 @@
 
 #include "common/date_time.h"
 #include "common/file.h"
+#include "common/fixed_decimal.h"
 #include "common/time_span.h"
 #include "common/unicode.h"
 #include "common/widget_colors.h"
@@ -18,7 +19,7 @@ constexpr double LEAST_DISCHARGE_CURRENT = 0.1;  // amps
 
 QString number(double value, int decimals, const char* unit)
 {
-    return QString::number(value, 'f', decimals) + unit;
+    return fixed_decimal(value, decimals) + unit;
 }
 
 QString parameter(double value)
@@ -54,7 +55,7 @@ void TestStation::update_ui()
     ui->laStationID->setText(Unicode::thin_space + get_id());
     ui->laCycleNumber->setText(
         QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
-    ui->laIntResistance->setText(get_avg_internal_resistance_string());
+    show_internal_resistance();
     show_totals();
     ui->laPhase->setText(phase_to_string(phase));
     show_voltage();
@@ -70,6 +71,18 @@ void TestStation::show_name_warnings()
     ui->laBlankName->setVisible(profile_name.isEmpty());
     ui->laBadSerialNumber->setVisible(File::contains_unsafe_filename_characters(serial_number));
     ui->laBadName->setVisible(File::contains_unsafe_filename_characters(profile_name));
+}
+
+/** Only a new point moves the mean, and in a long test there are thousands to go through. */
+void TestStation::show_internal_resistance()
+{
+    int count = 0;
+    for (const TestCycle* cycle : qAsConst(cycles))
+        count += cycle->internal_resistance.points.size();
+    if (count == shown_resistances)
+        return;
+    shown_resistances = count;
+    ui->laIntResistance->setText(get_avg_internal_resistance_string());
 }
 
 void TestStation::show_totals()

@@ -147,18 +147,22 @@ void TestStation::set_widget_sizes()
                                      color_combobox.minimumSizeHint().height());
     for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
         make_square(button);
-    pin_label_heights();
+    set_up_readouts();
     align_captions();
     widen_hidden_status();
 }
 
-// A label whose width and height are both pinned asks for no new layout when its text changes.
-void TestStation::pin_label_heights()
+// What changes with every line costs nothing but its own text: with width and height pinned it asks
+// for no new layout, and with a ground of its own nothing below it is painted again.
+void TestStation::set_up_readouts()
 {
     for (QLabel* label : {ui->laStationID, ui->laPhase, ui->laVoltage, ui->laCurrent,
                           ui->laCummAmpHours2, ui->laCycleNumber, ui->laCummAmpHours,
-                          ui->laCummWattHours, ui->laIntResistance, ui->laElapsedTime})
+                          ui->laCummWattHours, ui->laIntResistance, ui->laElapsedTime}) {
         label->setFixedHeight(label->minimumSizeHint().height());
+        label->setAutoFillBackground(true);
+        label->setTextFormat(Qt::PlainText);
+    }
 }
 
 // Both captions and the rules below them stand on one line across the two frames.
