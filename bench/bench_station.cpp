@@ -50,6 +50,9 @@ void use_bench_settings(const QString& directory)
         qFatal("The settings of the bench cannot be made.");
     Settings::set_log_dir(directory);
     Settings::set_pdf_dir(directory);
+    // The main window loads them anew.
+    if (!Settings::save())
+        qFatal("The settings of the bench cannot be saved.");
 }
 
 void begin_discharge(TestStation& station, const QString& name, const QString& serial_number)
