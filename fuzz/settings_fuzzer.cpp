@@ -1,0 +1,71 @@
+#include "config/ini_file.h"
+#include "support/ini_memory.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+namespace
+{
+std::unique_ptr<QTemporaryDir> folder;
+
+QString path(const char* name)
+{
+    return folder->filePath(name);
+}
+
+/** Every way of asking for every value: text, number, flag. */
+void read_all(const INIFile& ini)
+{
+    for (const QString& name : ini.get_section_names()) {
+        INISection* section = nullptr;
+        ini.get_section(name, section);
+        for (const QString& variable : section->get_variable_names()) {
+            int number = 0;
+            float fraction = 0.0F;
+            bool flag = false;
+            section->get_value(variable, number);
+            section->get_value(variable, fraction);
+            section->get_value(variable, flag);
+        }
+    }
+}
+
+void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
+{
+    static const QCoreApplication application(*argc, *argv);
+    folder = std::make_unique<QTemporaryDir>();
+    return 0;
+}
+
+/** A settings file: refused, or read and then the same after it has been saved and read again. */
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    QFile file(path("in"));
+    require(file.open(QIODevice::WriteOnly));
+    file.write(reinterpret_cast<const char*>(data), qint64(size));
+    file.close();
+
+    INIFile ini(file.fileName());
+    const bool loaded = ini.load();
+    read_all(ini);
+    if (!loaded)
+        return 0;
+    const QStringList before = memory_of(ini);
+    require(ini.save());
+    INIFile again(file.fileName());
+    require(again.load());
+    require(memory_of(again) == before);
+    return 0;
+}

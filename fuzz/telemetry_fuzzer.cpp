@@ -1,0 +1,91 @@
+#include "common/parse_int.h"
+#include "device/kestrometer.h"
+#include "support/read_log.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace
+{
+/** What an instrument makes of its lines, field by field. */
+struct LiteralReadings
+{
+    double voltage = 0.0;
+    double current = 0.0;
+    int id = -1;
+    KestrometerState state = Off;
+    int valid_lines = 0;
+
+    void take(const QString& line)
+    {
+        const QStringList fields = line.split('\t');
+        if (fields.size() != 7)
+            return;
+        bool ok = false;
+        voltage = fields[1].toDouble(&ok);
+        if (!ok)
+            return;
+        current = fields[2].toDouble(&ok);
+        if (!ok || !parse_int(QString(fields[5]).remove("ID="), id) || fields[6].size() != 1)
+            return;
+        state = state_from_letter(fields[6][0]);
+        ++valid_lines;
+    }
+};
+
+/** As the port would deliver it: what a chunk holds behind a zero byte is lost. */
+QString decoded(const QByteArray& chunk)
+{
+    return QString::fromUtf8(chunk.constData());
+}
+
+void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
+{
+    static const QCoreApplication application(*argc, *argv);
+    return 0;
+}
+
+/** Chunks, each led by a byte with its length, to an instrument whose port stays closed. */
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    QBuffer traffic;
+    traffic.open(QIODevice::WriteOnly);
+    Kestrometer instrument("no port");
+    instrument.telemetry_log = &traffic;
+    int valid_lines = 0;
+    QObject::connect(&instrument, &Kestrometer::sig_measurement, [&] { ++valid_lines; });
+
+    QString text;
+    for (size_t at = 0; at < size;) {
+        const size_t length = qMin(size_t(data[at]), size - at - 1);
+        const QByteArray bytes(reinterpret_cast<const char*>(data + at + 1), int(length));
+        at += 1 + length;
+        text += decoded(bytes);
+        instrument.receive_buffer += decoded(bytes);
+        QMetaObject::invokeMethod(&instrument, "receive_data");
+        instrument.get_status();
+    }
+
+    QStringList lines = text.split("\r\n");
+    require(instrument.receive_buffer == lines.takeLast());
+    LiteralReadings literal;
+    for (const QString& line : lines)
+        literal.take(line);
+    require(valid_lines == literal.valid_lines);
+    require(same_bits(instrument.voltage, literal.voltage));
+    require(same_bits(instrument.current, literal.current));
+    require(instrument.id == literal.id);
+    require(instrument.state == literal.state);
+    return 0;
+}
