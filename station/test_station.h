@@ -73,16 +73,11 @@ private:
     void begin_charge_leg();
     void begin_discharge();
     void begin_cycle();
-    void arm_charge_test_timer();
     void record_measurement();
-    void record_charge(double time);
     void record_discharge(double time, double elapsed);
     void check_transitions();
-    void rename_curves();
 
     // ---- test_station_resistance.cpp: the load's short absences -------------
-    bool internal_resistance_test_due() const;
-    void begin_internal_resistance_test();
     /** @return the resistance in ohms if this very line completed the test, else 0 */
     double check_internal_resistance_test();
     void check_internal_resistance_recovery();
@@ -99,9 +94,6 @@ public:
     bool delta_voltage(int minutes, double& delta) const;
 
 private:
-    bool first_discharge_done() const;
-    bool charge_test_due() const;
-    void end_charge(const QString& cause);
     void check_charge();
     void check_leveled_charge();
     void check_full_charge_test();
@@ -118,12 +110,6 @@ private slots:
     void on_pbNewTest_clicked();
     void on_pbClose_clicked();
     void on_sbNumberOfCycles_valueChanged(int value);
-
-private:
-    void start_or_resume();
-    bool start_warnings_accepted() const;
-    void skip_discharge();
-    void extend_finished_test();
 
     // ---- test_station_log_writer.cpp: the two log files ---------------------
 public:
@@ -146,9 +132,6 @@ public:
     void set_log_all_telemetry(bool on);
 
 private:
-    struct LogPaths;
-    bool choose_log_paths(LogPaths& paths) const;
-    void replace_logs(const LogPaths& paths);
     void delete_cycles();
 
     // ---- test_station_log_reader.cpp: a log becomes a test again -------------
@@ -178,12 +161,6 @@ public:
 
 private:
     void set_up_panel();
-    void set_up_validators();
-    void set_up_parameters();
-    void set_summary_fonts();
-    void set_up_readouts();
-    void align_captions();
-    void widen_hidden_status();
 
     // ---- test_station_display.cpp: every label at every moment --------------
 public:
@@ -197,13 +174,7 @@ public slots:
 
 private:
     void show_start_skip(StartSkip button);
-    void show_name_warnings();
     void show_internal_resistance();
-    void show_totals();
-    void show_voltage();
-    void show_current(const QDateTime& now);
-    void blink_next_button();
-    void show_instrument_health();
 
     int shown_resistances = -1;  ///< points behind the mean that the panel shows; -1 for none yet
 

@@ -14,6 +14,27 @@ QString volts(double value)
 {
     return QString::number(value, 'f', 3);
 }
+
+bool first_discharge_done(const TestStation& station)
+{
+    return station.cycles.indexOf(station.current_cycle) == 0;
+}
+
+bool charge_test_due(const TestStation& station)
+{
+    return station.next_charge_test_timeout < Time::now();
+}
+
+/** `cause` begins the reason; the rest tells why the next phase follows. */
+void end_charge(TestStation& station, const QString& cause)
+{
+    if (first_discharge_done(station))
+        station.set_phase(PHASE_DISCHARGING, cause + ", first cycle");
+    else if (station.prompt_to_discharge)
+        station.set_phase(PHASE_READY_FOR_DISCHARGE, cause + ", prompt_to_discharge = true");
+    else
+        station.set_phase(PHASE_DISCHARGING, cause + ", prompt_to_discharge = false");
+}
 }  // namespace
 
 bool TestStation::max_charge_time_exceeded() const
@@ -40,31 +61,10 @@ bool TestStation::delta_voltage(int minutes, double& delta) const
     return true;
 }
 
-bool TestStation::first_discharge_done() const
-{
-    return cycles.indexOf(current_cycle) == 0;
-}
-
-bool TestStation::charge_test_due() const
-{
-    return next_charge_test_timeout < Time::now();
-}
-
-/** `cause` begins the reason; the rest tells why the next phase follows. */
-void TestStation::end_charge(const QString& cause)
-{
-    if (first_discharge_done())
-        set_phase(PHASE_DISCHARGING, cause + ", first cycle");
-    else if (prompt_to_discharge)
-        set_phase(PHASE_READY_FOR_DISCHARGE, cause + ", prompt_to_discharge = true");
-    else
-        set_phase(PHASE_DISCHARGING, cause + ", prompt_to_discharge = false");
-}
-
 void TestStation::check_charge()
 {
     if (max_charge_time_exceeded())
-        end_charge("max charge time reached");
+        end_charge(*this, "max charge time reached");
 
     // A check of its own on purpose: it overrides a prompt; a discharge has emptied the series.
     if (detect_full_charge && voltage_has_leveled_off())
@@ -74,11 +74,11 @@ void TestStation::check_charge()
 void TestStation::check_leveled_charge()
 {
     if (max_charge_time_exceeded())
-        end_charge("max charge time reached");
+        end_charge(*this, "max charge time reached");
 
     // A check of its own on purpose: a charge test that is also due comes right behind a prompt or
     // the discharge that has just begun.
-    if (detect_full_charge && charge_test_due()) {
+    if (detect_full_charge && charge_test_due(*this)) {
         charge_test_voltage = kestrometer->voltage;
         set_phase(PHASE_FULL_CHARGE_TEST, "next_charge_test_timeout reached");
     }
@@ -93,7 +93,7 @@ void TestStation::check_full_charge_test()
     if (!(delta < NOT_FULL_RISE))
         set_phase(PHASE_CHARGING_LEVELED, "charging voltage drop >= 0.1v");
     else
-        end_charge("charging voltage drop < 0.1v");
+        end_charge(*this, "charging voltage drop < 0.1v");
 }
 
 void TestStation::check_final_charge()
@@ -102,7 +102,7 @@ void TestStation::check_final_charge()
         set_phase(PHASE_DONE, "max charge time reached");
 
     // A check of its own on purpose: a charge test that is also due overrides PHASE_DONE.
-    if (charge_test_due())
+    if (charge_test_due(*this))
         set_phase(PHASE_FINAL_CHARGE_TEST, "next_charge_test_timeout reached");
 }
 

@@ -26,6 +26,94 @@ QString parameter(double value)
 {
     return QString::number(value, 'g', 6);
 }
+
+void show_name_warnings(const TestStation& station)
+{
+    station.ui->laBlankSerialNumber->setVisible(station.serial_number.isEmpty());
+    station.ui->laBlankName->setVisible(station.profile_name.isEmpty());
+    station.ui->laBadSerialNumber->setVisible(
+        File::contains_unsafe_filename_characters(station.serial_number));
+    station.ui->laBadName->setVisible(
+        File::contains_unsafe_filename_characters(station.profile_name));
+}
+
+void show_voltage(const TestStation& station)
+{
+    station.ui->laVoltage->setText(station.kestrometer != nullptr
+                                       ? number(station.kestrometer->voltage, 1, " V")
+                                       : QString("? V"));
+}
+
+void blink_next_button(const TestStation& station)
+{
+    if (station.kestrometer == nullptr && station.data_log == nullptr)
+        set_widget_background(station.ui->pbLoadLog, Qt::red);
+    else if (station.ui->pbStartSkip->isEnabled())
+        set_widget_background(station.ui->pbStartSkip, Qt::red);
+}
+
+void show_instrument_health(TestStation& station)
+{
+    station.ui->laKestrometerStatus->setVisible(Settings::get_show_debug_info());
+    station.ui->laKestrometerStatus->setText(station.kestrometer->get_status());
+
+    const qint64 silence = station.kestrometer->last_data_time.secsTo(Time::now());
+    station.ui->laLostCommunication->setVisible(silence > SILENCE);
+    if (silence > SILENCE && silence % RESET_INTERVAL == 0) {
+        station.append_text_log(
+            "Attempting to reset the Kestrometer as it may be stuck in bootloader mode.");
+        station.kestrometer->reset();
+    }
+    station.ui->laKestrometerIsStuck->setVisible(station.kestrometer->get_stuck());
+    station.ui->laNotDischarging->setVisible(station.phase == PHASE_DISCHARGING &&
+                                             station.kestrometer->current <
+                                                 LEAST_DISCHARGE_CURRENT);
+}
+
+void show_totals(const TestStation& station)
+{
+    QString amp_hours = "? Ah";
+    QString watt_hours = "? Wh";
+    if (station.current_cycle != nullptr) {
+        // The finished figures stay until the new cycle has delivered something.
+        const bool nothing_yet =
+            station.current_cycle->amp_hours == 0.0 && station.cycles.size() >= 2;
+        const TestCycle* shown =
+            nothing_yet ? station.cycles.at(station.cycles.size() - 2) : station.current_cycle;
+        amp_hours = number(shown->amp_hours, 2, " Ah");
+        watt_hours = number(shown->watt_hours, 2, " Wh");
+    }
+    station.ui->laCummAmpHours->setText(amp_hours);
+    station.ui->laCummAmpHours2->setText(amp_hours);
+    station.ui->laCummWattHours->setText(watt_hours);
+}
+
+void show_current(const TestStation& station, const QDateTime& now)
+{
+    if (station.kestrometer == nullptr) {
+        station.ui->laCurrent->setText("? A");
+        return;
+    }
+    switch (station.phase) {
+    case PHASE_DISCHARGING:
+    case PHASE_IR_TEST:
+    case PHASE_IR_RECOVERY:
+        station.ui->laCurrent->setText(number(station.kestrometer->current, 2, " A"));
+        break;
+    case PHASE_CHARGING:
+    case PHASE_CHARGING_LEVELED:
+    case PHASE_FINAL_CHARGE:
+        station.ui->laCurrent->setText(format_time_span(station.leg_start_time.secsTo(now)));
+        break;
+    case PHASE_IDLE:
+    case PHASE_FULL_CHARGE_TEST:
+    case PHASE_READY_FOR_DISCHARGE:
+    case PHASE_FINAL_CHARGE_TEST:
+    case PHASE_DONE:
+        // What stood there last stays.
+        break;
+    }
+}
 }  // namespace
 
 void TestStation::populate_ui()
@@ -47,7 +135,7 @@ void TestStation::populate_ui()
 
 void TestStation::update_ui()
 {
-    show_name_warnings();
+    show_name_warnings(*this);
     if (phase == PHASE_IDLE)
         ui->pbStartSkip->setEnabled(kestrometer != nullptr &&
                                     File::is_safe_filename(serial_number) &&
@@ -56,21 +144,13 @@ void TestStation::update_ui()
     ui->laCycleNumber->setText(
         QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
     show_internal_resistance();
-    show_totals();
+    show_totals(*this);
     ui->laPhase->setText(phase_to_string(phase));
-    show_voltage();
+    show_voltage(*this);
     const QDateTime now = Time::now();
-    show_current(now);
+    show_current(*this, now);
     ui->laElapsedTime->setText(data_log != nullptr ? format_time_span(leg_start_time.secsTo(now))
                                                    : QString("0s"));
-}
-
-void TestStation::show_name_warnings()
-{
-    ui->laBlankSerialNumber->setVisible(serial_number.isEmpty());
-    ui->laBlankName->setVisible(profile_name.isEmpty());
-    ui->laBadSerialNumber->setVisible(File::contains_unsafe_filename_characters(serial_number));
-    ui->laBadName->setVisible(File::contains_unsafe_filename_characters(profile_name));
 }
 
 /** Only a new point moves the mean, and in a long test there are thousands to go through. */
@@ -83,55 +163,6 @@ void TestStation::show_internal_resistance()
         return;
     shown_resistances = count;
     ui->laIntResistance->setText(get_avg_internal_resistance_string());
-}
-
-void TestStation::show_totals()
-{
-    QString amp_hours = "? Ah";
-    QString watt_hours = "? Wh";
-    if (current_cycle != nullptr) {
-        // The finished figures stay until the new cycle has delivered something.
-        const bool nothing_yet = current_cycle->amp_hours == 0.0 && cycles.size() >= 2;
-        const TestCycle* shown = nothing_yet ? cycles.at(cycles.size() - 2) : current_cycle;
-        amp_hours = number(shown->amp_hours, 2, " Ah");
-        watt_hours = number(shown->watt_hours, 2, " Wh");
-    }
-    ui->laCummAmpHours->setText(amp_hours);
-    ui->laCummAmpHours2->setText(amp_hours);
-    ui->laCummWattHours->setText(watt_hours);
-}
-
-void TestStation::show_voltage()
-{
-    ui->laVoltage->setText(kestrometer != nullptr ? number(kestrometer->voltage, 1, " V")
-                                                  : QString("? V"));
-}
-
-void TestStation::show_current(const QDateTime& now)
-{
-    if (kestrometer == nullptr) {
-        ui->laCurrent->setText("? A");
-        return;
-    }
-    switch (phase) {
-    case PHASE_DISCHARGING:
-    case PHASE_IR_TEST:
-    case PHASE_IR_RECOVERY:
-        ui->laCurrent->setText(number(kestrometer->current, 2, " A"));
-        break;
-    case PHASE_CHARGING:
-    case PHASE_CHARGING_LEVELED:
-    case PHASE_FINAL_CHARGE:
-        ui->laCurrent->setText(format_time_span(leg_start_time.secsTo(now)));
-        break;
-    case PHASE_IDLE:
-    case PHASE_FULL_CHARGE_TEST:
-    case PHASE_READY_FOR_DISCHARGE:
-    case PHASE_FINAL_CHARGE_TEST:
-    case PHASE_DONE:
-        // What stood there last stays.
-        break;
-    }
 }
 
 void TestStation::show_start_skip(StartSkip button)
@@ -158,35 +189,10 @@ void TestStation::slot_blink(bool on)
         set_widget_background(ui->pbStartSkip, plain);
         set_widget_background(ui->pbLoadLog, plain);
     } else if (phase == PHASE_IDLE || phase == PHASE_READY_FOR_DISCHARGE) {
-        blink_next_button();
+        blink_next_button(*this);
     }
     // A long status text must not widen the panel.
     ui->laKestrometerStatus->setMaximumWidth(ui->laKestrometerStatus->width());
     if (kestrometer != nullptr)
-        show_instrument_health();
-}
-
-void TestStation::blink_next_button()
-{
-    if (kestrometer == nullptr && data_log == nullptr)
-        set_widget_background(ui->pbLoadLog, Qt::red);
-    else if (ui->pbStartSkip->isEnabled())
-        set_widget_background(ui->pbStartSkip, Qt::red);
-}
-
-void TestStation::show_instrument_health()
-{
-    ui->laKestrometerStatus->setVisible(Settings::get_show_debug_info());
-    ui->laKestrometerStatus->setText(kestrometer->get_status());
-
-    const qint64 silence = kestrometer->last_data_time.secsTo(Time::now());
-    ui->laLostCommunication->setVisible(silence > SILENCE);
-    if (silence > SILENCE && silence % RESET_INTERVAL == 0) {
-        append_text_log(
-            "Attempting to reset the Kestrometer as it may be stuck in bootloader mode.");
-        kestrometer->reset();
-    }
-    ui->laKestrometerIsStuck->setVisible(kestrometer->get_stuck());
-    ui->laNotDischarging->setVisible(phase == PHASE_DISCHARGING &&
-                                     kestrometer->current < LEAST_DISCHARGE_CURRENT);
+        show_instrument_health(*this);
 }

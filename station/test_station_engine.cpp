@@ -11,6 +11,28 @@ namespace
 {
 // At or below this a discharge row would show no current; the totals grow all the same.
 constexpr double LEAST_SAMPLED_CURRENT = 0.01;
+
+void arm_charge_test_timer(TestStation& station)
+{
+    station.next_charge_test_timeout = Time::now().addSecs(station.charge_test_interval);
+}
+
+void record_charge(TestStation& station, double time)
+{
+    station.charge_voltage_series.add(time, station.kestrometer->voltage);
+    station.append_data_log(time, station.kestrometer->voltage);
+}
+
+void rename_curves(TestStation& station)
+{
+    const QString name = QString::number(station.kestrometer->id);
+    for (TestCycle* cycle : station.cycles) {
+        cycle->voltage_vs_amphours.name = name;
+        cycle->current_vs_amphours.name = name;
+    }
+    emit station.sig_id_change();
+    emit station.sig_repaint_chart_request();
+}
 }  // namespace
 
 void TestStation::set_phase(Phase new_phase, const QString& reason)
@@ -33,7 +55,7 @@ void TestStation::enter_phase(Phase new_phase)
         begin_charge_leg();
         break;
     case PHASE_CHARGING_LEVELED:
-        arm_charge_test_timer();
+        arm_charge_test_timer(*this);
         break;
     case PHASE_DISCHARGING:
         // Back from a resistance test the discharge goes on in the same cycle.
@@ -44,7 +66,7 @@ void TestStation::enter_phase(Phase new_phase)
         // Interrupted by a final charge test alone, the charge stays one leg with one header.
         if (phase != PHASE_FINAL_CHARGE_TEST)
             begin_charge_leg();
-        arm_charge_test_timer();
+        arm_charge_test_timer(*this);
         break;
     case PHASE_IDLE:
     case PHASE_FULL_CHARGE_TEST:
@@ -99,11 +121,6 @@ void TestStation::begin_cycle()
     emit sig_max_cycle_change();
 }
 
-void TestStation::arm_charge_test_timer()
-{
-    next_charge_test_timeout = Time::now().addSecs(charge_test_interval);
-}
-
 void TestStation::slot_measurement()
 {
     if (data_log != nullptr) {
@@ -120,7 +137,7 @@ void TestStation::record_measurement()
     const double time = double(leg_start_time.msecsTo(arrival)) / 1000.0;
     switch (traits_of(phase).sample) {
     case Sample::Charge:
-        record_charge(time);
+        record_charge(*this, time);
         break;
     case Sample::Discharge:
         record_discharge(time, elapsed);
@@ -128,12 +145,6 @@ void TestStation::record_measurement()
     case Sample::None:
         break;
     }
-}
-
-void TestStation::record_charge(double time)
-{
-    charge_voltage_series.add(time, kestrometer->voltage);
-    append_data_log(time, kestrometer->voltage);
 }
 
 void TestStation::record_discharge(double time, double elapsed)
@@ -194,17 +205,6 @@ void TestStation::check_transitions()
 void TestStation::slot_id_change()
 {
     if (data_log != nullptr)
-        rename_curves();
+        rename_curves(*this);
     repopulate_color_combobox();
-}
-
-void TestStation::rename_curves()
-{
-    const QString name = QString::number(kestrometer->id);
-    for (TestCycle* cycle : cycles) {
-        cycle->voltage_vs_amphours.name = name;
-        cycle->current_vs_amphours.name = name;
-    }
-    emit sig_id_change();
-    emit sig_repaint_chart_request();
 }

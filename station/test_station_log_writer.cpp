@@ -15,16 +15,16 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+namespace
+{
 /** Where a new test writes, and whether an earlier log there is to be read first. */
-struct TestStation::LogPaths
+struct LogPaths
 {
     QString csv;
     QString txt;
     bool append = false;
 };
 
-namespace
-{
 /** In the file when the call returns: the stream lives for this one record. */
 void write_record(QFile* file, const QString& text)
 {
@@ -50,7 +50,7 @@ LogFormat::Section section_of(const TestStation& station, int number, const QDat
 }
 
 /** The first pair "base (2)", "base (3)" and so on of which neither file exists. */
-template <typename Paths> void take_free_suffix(const QString& base, Paths& paths)
+void take_free_suffix(const QString& base, LogPaths& paths)
 {
     int n = 2;
     do {
@@ -60,28 +60,12 @@ template <typename Paths> void take_free_suffix(const QString& base, Paths& path
         ++n;
     } while (QFile::exists(paths.csv) || QFile::exists(paths.txt));
 }
-}  // namespace
-
-bool TestStation::begin_log()
-{
-    failed_assumption(data_log == nullptr, "data log file already set in begin_log()");
-    failed_assumption(text_log == nullptr, "text log file already set in begin_log()");
-    LogPaths paths;
-    if (!choose_log_paths(paths))
-        return false;
-    replace_logs(paths);
-    if (!ui_safe_open_log())
-        return false;
-    if (paths.append)
-        return ui_safe_read_log();
-    write_data_log_header();
-    return true;
-}
 
 /** False if the operator cancels. */
-bool TestStation::choose_log_paths(LogPaths& paths) const
+bool choose_log_paths(const TestStation& station, LogPaths& paths)
 {
-    const QString base = QDir(log_dir).filePath(profile_name + "_" + serial_number);
+    const QString base =
+        QDir(station.log_dir).filePath(station.profile_name + "_" + station.serial_number);
     paths.csv = base + ".csv";
     paths.txt = base + ".txt";
     if (!QFile::exists(paths.csv))
@@ -105,13 +89,30 @@ bool TestStation::choose_log_paths(LogPaths& paths) const
 }
 
 /** A log that is open although none should be is closed, and its instrument writes into it no more. */
-void TestStation::replace_logs(const LogPaths& paths)
+void replace_logs(TestStation& station, const LogPaths& paths)
 {
-    set_log_all_telemetry(false);
-    delete data_log;
-    delete text_log;
-    data_log = new QFile(paths.csv);
-    text_log = new QFile(paths.txt);
+    station.set_log_all_telemetry(false);
+    delete station.data_log;
+    delete station.text_log;
+    station.data_log = new QFile(paths.csv);
+    station.text_log = new QFile(paths.txt);
+}
+}  // namespace
+
+bool TestStation::begin_log()
+{
+    failed_assumption(data_log == nullptr, "data log file already set in begin_log()");
+    failed_assumption(text_log == nullptr, "text log file already set in begin_log()");
+    LogPaths paths;
+    if (!choose_log_paths(*this, paths))
+        return false;
+    replace_logs(*this, paths);
+    if (!ui_safe_open_log())
+        return false;
+    if (paths.append)
+        return ui_safe_read_log();
+    write_data_log_header();
+    return true;
 }
 
 void TestStation::write_data_log_header()

@@ -13,6 +13,48 @@ bool confirmed(const QString& title, const QString& text)
     return QMessageBox::question(nullptr, title, text, QMessageBox::Yes | QMessageBox::No,
                                  QMessageBox::No) == QMessageBox::Yes;
 }
+
+bool start_warnings_accepted(const TestStation& station)
+{
+    if (!station.serial_number_edited &&
+        !confirmed("Confirm", "Warning: Serial number has not been edited. Continue anyway?"))
+        return false;
+    if (station.low_voltage_cutoff < 1.0 &&
+        !confirmed("Warning", "Low-voltage cutoff is < 1v. Continue anyway?"))
+        return false;
+    return station.max_charge_time > 59 ||
+           confirmed("Warning", "Max charge time is < 1 minute. Continue anyway?");
+}
+
+void start_or_resume(TestStation& station)
+{
+    if (station.data_log != nullptr) {
+        // A log has been loaded: its test goes on, with the reason of a skip on purpose.
+        station.lock_controls();
+        station.set_phase(PHASE_CHARGING, "User clicked 'Skip'");
+        return;
+    }
+    if (!start_warnings_accepted(station))
+        return;
+    if (station.begin_log())
+        station.set_phase(PHASE_CHARGING, "User clicked 'Start'.");
+    else
+        show_error("Unable to create log file.");
+}
+
+void skip_discharge(TestStation& station)
+{
+    const bool last = station.get_cycle_number() >= station.number_of_cycles;
+    station.set_phase(last ? PHASE_FINAL_CHARGE : PHASE_CHARGING, "User clicked 'Skip'");
+}
+
+void extend_finished_test(TestStation& station)
+{
+    if (station.get_cycle_number() >= station.number_of_cycles)
+        show_error("Please increase the number of cycles first.");
+    else
+        station.set_phase(PHASE_CHARGING, "User clicked 'Skip'");
+}
 }  // namespace
 
 void TestStation::lock_controls()
@@ -35,7 +77,7 @@ void TestStation::on_pbStartSkip_clicked()
 {
     switch (phase) {
     case PHASE_IDLE:
-        start_or_resume();
+        start_or_resume(*this);
         break;
     case PHASE_CHARGING:
     case PHASE_CHARGING_LEVELED:
@@ -43,13 +85,13 @@ void TestStation::on_pbStartSkip_clicked()
         set_phase(PHASE_DISCHARGING, "User clicked 'Skip'");
         break;
     case PHASE_DISCHARGING:
-        skip_discharge();
+        skip_discharge(*this);
         break;
     case PHASE_FINAL_CHARGE:
         set_phase(PHASE_DONE, "User clicked 'Skip'");
         break;
     case PHASE_DONE:
-        extend_finished_test();
+        extend_finished_test(*this);
         break;
     case PHASE_FULL_CHARGE_TEST:
     case PHASE_IR_TEST:
@@ -58,48 +100,6 @@ void TestStation::on_pbStartSkip_clicked()
         show_error("The 'skip' button should not be clickable at this time.");
         break;
     }
-}
-
-void TestStation::start_or_resume()
-{
-    if (data_log != nullptr) {
-        // A log has been loaded: its test goes on, with the reason of a skip on purpose.
-        lock_controls();
-        set_phase(PHASE_CHARGING, "User clicked 'Skip'");
-        return;
-    }
-    if (!start_warnings_accepted())
-        return;
-    if (begin_log())
-        set_phase(PHASE_CHARGING, "User clicked 'Start'.");
-    else
-        show_error("Unable to create log file.");
-}
-
-bool TestStation::start_warnings_accepted() const
-{
-    if (!serial_number_edited &&
-        !confirmed("Confirm", "Warning: Serial number has not been edited. Continue anyway?"))
-        return false;
-    if (low_voltage_cutoff < 1.0 &&
-        !confirmed("Warning", "Low-voltage cutoff is < 1v. Continue anyway?"))
-        return false;
-    return max_charge_time > 59 ||
-           confirmed("Warning", "Max charge time is < 1 minute. Continue anyway?");
-}
-
-void TestStation::skip_discharge()
-{
-    const bool last = get_cycle_number() >= number_of_cycles;
-    set_phase(last ? PHASE_FINAL_CHARGE : PHASE_CHARGING, "User clicked 'Skip'");
-}
-
-void TestStation::extend_finished_test()
-{
-    if (get_cycle_number() >= number_of_cycles)
-        show_error("Please increase the number of cycles first.");
-    else
-        set_phase(PHASE_CHARGING, "User clicked 'Skip'");
 }
 
 void TestStation::on_pbNewTest_clicked()

@@ -35,6 +35,78 @@ void make_square(QWidget* button)
     const int side = button->minimumSizeHint().height();
     button->setFixedSize(side, side);
 }
+
+void set_up_validators(TestStation& station)
+{
+    struct Range
+    {
+        QLineEdit* edit;
+        double most;
+        int decimals;
+    };
+    const Range ranges[] = {
+        {station.ui->leMaxChargeTime, 1000.0, 1},
+        {station.ui->leLowVoltageCutoff, 100.0, 3},
+        {station.ui->leInternalResistanceTestIntervalAh, 100.0, 1},
+    };
+    for (const Range& range : ranges) {
+        auto* validator = new QDoubleValidator(0.0, range.most, range.decimals, &station);
+        validator->setLocale(conversion_locale());
+        range.edit->setValidator(validator);
+    }
+}
+
+void set_up_parameters(const TestStation& station)
+{
+    station.ui->cbDetectFullCharge->setChecked(station.detect_full_charge);
+    station.ui->cbPromptToDischarge->setChecked(station.prompt_to_discharge);
+    station.ui->cbMeasureInternalResistance->setChecked(station.kestrometer != nullptr &&
+                                                        station.measure_internal_resistance);
+    station.ui->leInternalResistanceTestIntervalAh->setText(
+        QString::number(station.internal_resistance_test_interval_ah, 'g', 6));
+    station.ui->leInternalResistanceTestIntervalAh->setEnabled(
+        station.measure_internal_resistance && station.kestrometer != nullptr);
+}
+
+void set_summary_fonts(const Ui::TestStation& ui)
+{
+    const int points = int(1.2 * ui.laNotCharging->font().pointSize());
+    for (QLabel* label : {ui.laStationID, ui.laPhase, ui.laVoltage, ui.laCurrent,
+                          ui.laCummAmpHours2, ui.laCycleNumber})
+        label->setFont(QFont(label->font().family(), points));
+}
+
+// What changes with every line costs nothing but its own text: with width and height pinned it asks
+// for no new layout, and with a ground of its own nothing below it is painted again.
+void set_up_readouts(const Ui::TestStation& ui)
+{
+    for (QLabel* label : {ui.laStationID, ui.laPhase, ui.laVoltage, ui.laCurrent,
+                          ui.laCummAmpHours2, ui.laCycleNumber, ui.laCummAmpHours,
+                          ui.laCummWattHours, ui.laIntResistance, ui.laElapsedTime}) {
+        label->setFixedHeight(label->minimumSizeHint().height());
+        label->setAutoFillBackground(true);
+        label->setTextFormat(Qt::PlainText);
+    }
+}
+
+// Both captions and the rules below them stand on one line across the two frames.
+void align_captions(const Ui::TestStation& ui)
+{
+    const QGridLayout* parameters = ui.gridLayout_5;
+    const int row_height =
+        qMax(ui.frSaveDelete->sizeHint().height(), ui.cbProfile->sizeHint().height());
+    const int top = parameters->contentsMargins().top() + parameters->verticalSpacing();
+    ui.laTestResults->setFixedHeight(top + row_height - ui.gridLayout_10->contentsMargins().top());
+}
+
+// The blinking limits the status to the width that it has, and no layout has one for a hidden label.
+void widen_hidden_status(const TestStation& station)
+{
+    const QMargins margins = station.ui->verticalLayout->contentsMargins();
+    const int inner_width =
+        station.minimumWidth() - 2 * station.frameWidth() - margins.left() - margins.right();
+    station.ui->laKestrometerStatus->resize(inner_width, station.ui->laKestrometerStatus->height());
+}
 }  // namespace
 
 // The order is meant: the check boxes' slots are connected from the start, so that setting a box
@@ -53,63 +125,23 @@ void TestStation::set_up_panel()
     ui->pbDeleteProfile->setEnabled(false);
     ui->cbProfile->clear();
     ui->cbProfile->addItem("Select Profile...");
-    set_up_validators();
+    set_up_validators(*this);
     ui->cbDetectFullCharge->setEnabled(false);
     ui->pbStartSkip->setEnabled(false);
     if (kestrometer != nullptr) {
         connect(kestrometer, &Kestrometer::sig_measurement, this, &TestStation::slot_measurement);
         connect(kestrometer, &Kestrometer::sig_id_change, this, &TestStation::slot_id_change);
     }
-    set_up_parameters();
+    set_up_parameters(*this);
     populate_ui();
     update_ui();
     set_up_color_combobox();
     if (kestrometer == nullptr)
         ui->leSerialNumber->setEnabled(false);
-    set_summary_fonts();
+    set_summary_fonts(*ui);
     set_widget_sizes();
     log_dir = Settings::get_log_dir();
     set_elided_text(ui->laDirectory, log_dir, QString());
-}
-
-void TestStation::set_up_validators()
-{
-    struct Range
-    {
-        QLineEdit* edit;
-        double most;
-        int decimals;
-    };
-    const Range ranges[] = {
-        {ui->leMaxChargeTime, 1000.0, 1},
-        {ui->leLowVoltageCutoff, 100.0, 3},
-        {ui->leInternalResistanceTestIntervalAh, 100.0, 1},
-    };
-    for (const Range& range : ranges) {
-        auto* validator = new QDoubleValidator(0.0, range.most, range.decimals, this);
-        validator->setLocale(conversion_locale());
-        range.edit->setValidator(validator);
-    }
-}
-
-void TestStation::set_up_parameters()
-{
-    ui->cbDetectFullCharge->setChecked(detect_full_charge);
-    ui->cbPromptToDischarge->setChecked(prompt_to_discharge);
-    ui->cbMeasureInternalResistance->setChecked(kestrometer != nullptr &&
-                                                measure_internal_resistance);
-    ui->leInternalResistanceTestIntervalAh->setText(
-        QString::number(internal_resistance_test_interval_ah, 'g', 6));
-    ui->leInternalResistanceTestIntervalAh->setEnabled(measure_internal_resistance &&
-                                                       kestrometer != nullptr);
-}
-
-void TestStation::set_summary_fonts()
-{
-    const int points = int(1.2 * ui->laNotCharging->font().pointSize());
-    for (QLabel* label : {ui->laStationID, ui->laPhase, ui->laVoltage, ui->laCurrent,
-                          ui->laCummAmpHours2, ui->laCycleNumber})
-        label->setFont(QFont(label->font().family(), points));
 }
 
 void TestStation::set_widget_sizes()
@@ -147,39 +179,7 @@ void TestStation::set_widget_sizes()
                                      color_combobox.minimumSizeHint().height());
     for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
         make_square(button);
-    set_up_readouts();
-    align_captions();
-    widen_hidden_status();
-}
-
-// What changes with every line costs nothing but its own text: with width and height pinned it asks
-// for no new layout, and with a ground of its own nothing below it is painted again.
-void TestStation::set_up_readouts()
-{
-    for (QLabel* label : {ui->laStationID, ui->laPhase, ui->laVoltage, ui->laCurrent,
-                          ui->laCummAmpHours2, ui->laCycleNumber, ui->laCummAmpHours,
-                          ui->laCummWattHours, ui->laIntResistance, ui->laElapsedTime}) {
-        label->setFixedHeight(label->minimumSizeHint().height());
-        label->setAutoFillBackground(true);
-        label->setTextFormat(Qt::PlainText);
-    }
-}
-
-// Both captions and the rules below them stand on one line across the two frames.
-void TestStation::align_captions()
-{
-    const QGridLayout* parameters = ui->gridLayout_5;
-    const int row_height =
-        qMax(ui->frSaveDelete->sizeHint().height(), ui->cbProfile->sizeHint().height());
-    const int top = parameters->contentsMargins().top() + parameters->verticalSpacing();
-    ui->laTestResults->setFixedHeight(top + row_height -
-                                      ui->gridLayout_10->contentsMargins().top());
-}
-
-// The blinking limits the status to the width that it has, and no layout has one for a hidden label.
-void TestStation::widen_hidden_status()
-{
-    const QMargins margins = ui->verticalLayout->contentsMargins();
-    const int inner_width = minimumWidth() - 2 * frameWidth() - margins.left() - margins.right();
-    ui->laKestrometerStatus->resize(inner_width, ui->laKestrometerStatus->height());
+    set_up_readouts(*ui);
+    align_captions(*ui);
+    widen_hidden_status(*this);
 }

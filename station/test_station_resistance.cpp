@@ -6,21 +6,23 @@ namespace
 {
 // Amps below which the load counts as gone.
 constexpr double NO_CURRENT = 0.01;
+
+bool internal_resistance_test_due(const TestStation& station)
+{
+    return station.measure_internal_resistance &&
+           !(station.current_cycle->amp_hours < station.next_ir_check_ah);
+}
+
+void begin_internal_resistance_test(TestStation& station)
+{
+    station.ir_test_voltage = station.kestrometer->voltage;
+    station.ir_test_current = station.kestrometer->current;
+    station.set_phase(PHASE_IR_TEST,
+                      QString("amp_hours (%1) >= next_ir_check_ah (%2)")
+                          .arg(QString::number(station.current_cycle->amp_hours, 'f', 3))
+                          .arg(station.next_ir_check_ah, 3, 'g'));
+}
 }  // namespace
-
-bool TestStation::internal_resistance_test_due() const
-{
-    return measure_internal_resistance && !(current_cycle->amp_hours < next_ir_check_ah);
-}
-
-void TestStation::begin_internal_resistance_test()
-{
-    ir_test_voltage = kestrometer->voltage;
-    ir_test_current = kestrometer->current;
-    set_phase(PHASE_IR_TEST, QString("amp_hours (%1) >= next_ir_check_ah (%2)")
-                                 .arg(QString::number(current_cycle->amp_hours, 'f', 3))
-                                 .arg(next_ir_check_ah, 3, 'g'));
-}
 
 double TestStation::check_internal_resistance_test()
 {
@@ -57,8 +59,8 @@ void TestStation::freeze_readings()
 
 void TestStation::check_discharge()
 {
-    if (internal_resistance_test_due())
-        begin_internal_resistance_test();
+    if (internal_resistance_test_due(*this))
+        begin_internal_resistance_test(*this);
 
     // A check of its own on purpose: a low voltage on the very line that starts a resistance test
     // ends the discharge, and that test never completes.
