@@ -6,7 +6,7 @@
 
 #include <QPainter>
 
-#include <algorithm>
+#include <new>
 
 namespace
 {
@@ -44,12 +44,33 @@ struct PointMap
     }
 };
 
-QPolygonF every_vertex(const QList<QPointF>& points, const PointMap map)
+/** Room for vertices that nobody clears: for long curves that costs as much as a pass over them. */
+class VertexRoom
 {
-    QPolygonF vertices(points.size());
-    QPointF* next = vertices.data();
-    for_each_point(points, [&next, map](const QPointF& point) { *next++ = map.map(point); });
-    return vertices;
+public:
+    explicit VertexRoom(int count)
+        : begin(static_cast<QPointF*>(::operator new(sizeof(QPointF) * count)))
+    {
+    }
+
+    ~VertexRoom()
+    {
+        ::operator delete(begin);
+    }
+
+    VertexRoom(const VertexRoom&) = delete;
+    VertexRoom& operator=(const VertexRoom&) = delete;
+
+    QPointF* const begin;
+};
+
+void draw_every_point(QPainter* painter, const QList<QPointF>& points, const PointMap map)
+{
+    const VertexRoom room(points.size());
+    QPointF* end = room.begin;
+    for_each_point(points,
+                   [&end, map](const QPointF& point) { new (end++) QPointF(map.map(point)); });
+    painter->drawPolyline(room.begin, points.size());
 }
 
 /**
@@ -76,30 +97,26 @@ void append_averaged(const QList<QPointF>& points, const PointMap map, double in
     append(map.map(points.last()));
 }
 
-/** For a bucket of many points: few vertices, and room for them is made as they come. */
-QPolygonF few_averaged_vertices(const QList<QPointF>& points, const PointMap map, double interval,
-                                int expected)
-{
-    QPolygonF vertices;
-    vertices.reserve(expected);
-    append_averaged(points, map, interval,
-                    [&vertices](const QPointF& vertex) { vertices.append(vertex); });
-    return vertices;
-}
-
-QPolygonF averaged_vertices(const QList<QPointF>& points, const PointMap map, double interval)
+void draw_averaged(QPainter* painter, const QList<QPointF>& points, const PointMap map,
+                   double interval)
 {
     const int ends_and_last_mean = 3;
     const double buckets = points.last().x() / interval;
-    if (buckets >= 0.0 && buckets < points.size() / 8)
-        return few_averaged_vertices(points, map, interval, to_pixel(buckets) + ends_and_last_mean);
+    if (buckets >= 0.0 && buckets < points.size() / 8) {
+        QPolygonF vertices;
+        vertices.reserve(to_pixel(buckets) + ends_and_last_mean);
+        append_averaged(points, map, interval,
+                        [&vertices](const QPointF& vertex) { vertices.append(vertex); });
+        painter->drawPolyline(vertices);
+        return;
+    }
 
     // About a bucket per point and never more: room for all of them needs no test at each.
-    QPolygonF vertices(points.size() + ends_and_last_mean);
-    QPointF* next = vertices.data();
-    append_averaged(points, map, interval, [&next](const QPointF& vertex) { *next++ = vertex; });
-    vertices.resize(static_cast<int>(next - vertices.constData()));
-    return vertices;
+    const VertexRoom room(points.size() + ends_and_last_mean);
+    QPointF* end = room.begin;
+    append_averaged(points, map, interval,
+                    [&end](const QPointF& vertex) { new (end++) QPointF(vertex); });
+    painter->drawPolyline(room.begin, static_cast<int>(end - room.begin));
 }
 
 QPointF mean_of(const QPointF* points, int count)
@@ -216,10 +233,10 @@ void Series::plot(QPainter* painter, ChartStyle style, double averaging_interval
         return;
 
     const PointMap map{x_axis->pixel_map(), y_axis->pixel_map()};
-    const bool shorter_than_a_bucket = averaging_interval > points.last().x();
-    painter->drawPolyline(shorter_than_a_bucket
-                              ? every_vertex(points, map)
-                              : averaged_vertices(points, map, averaging_interval));
+    if (averaging_interval > points.last().x())
+        draw_every_point(painter, points, map);
+    else
+        draw_averaged(painter, points, map, averaging_interval);
 }
 
 QPolygonF smooth(QPolygonF polygon, int window)
