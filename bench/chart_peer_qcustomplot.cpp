@@ -6,7 +6,7 @@
 
 #include <memory>
 
-std::function<void()> qcustomplot_painter(const Curves& curves, QSize size)
+Peer qcustomplot_peer(const Curves& curves, QSize size)
 {
     auto plot = std::make_shared<QCustomPlot>();
     plot->resize(size);
@@ -20,9 +20,13 @@ std::function<void()> qcustomplot_painter(const Curves& curves, QSize size)
         plot->addGraph()->setData(x, y, true);
     }
     plot->rescaleAxes();
+    plot->show();
     auto image = std::make_shared<QImage>(size, QImage::Format_ARGB32_Premultiplied);
-    return [plot, image]() {
+    const auto paint_image = [plot, image]() {
         QCPPainter painter(image.get());
         plot->toPainter(&painter, image->width(), image->height());
     };
+    return {paint_image, [plot]() {
+                plot->replot(QCustomPlot::rpImmediateRefresh);
+            }};
 }

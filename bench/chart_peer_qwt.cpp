@@ -10,7 +10,7 @@
 
 #include <memory>
 
-std::function<void()> qwt_painter(const Curves& curves, QSize size)
+Peer qwt_peer(const Curves& curves, QSize size)
 {
     auto plot = std::make_shared<QwtPlot>();
     plot->resize(size);
@@ -20,9 +20,15 @@ std::function<void()> qwt_painter(const Curves& curves, QSize size)
         curve->attach(plot.get());
     }
     plot->replot();
+    plot->show();
     auto image = std::make_shared<QImage>(size, QImage::Format_ARGB32_Premultiplied);
-    return [plot, image]() {
+    const auto paint_image = [plot, image]() {
         QPainter painter(image.get());
         QwtPlotRenderer().render(plot.get(), &painter, QRectF(image->rect()));
     };
+    const auto paint_window = [plot]() {
+        plot->replot();
+        plot->repaint();
+    };
+    return {paint_image, paint_window};
 }

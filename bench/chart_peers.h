@@ -8,6 +8,12 @@
 
 using Curves = QList<QList<QPointF>>;
 
-/** Paints the curves into an image of that size, as the library does it by default. Empty if absent. */
-std::function<void()> qcustomplot_painter(const Curves& curves, QSize size);
-std::function<void()> qwt_painter(const Curves& curves, QSize size);
+/** A library's plot of the curves, as it is by default. Both are empty where it is absent. */
+struct Peer
+{
+    std::function<void()> paint_image;   ///< into an image of the plot's size
+    std::function<void()> paint_window;  ///< in a window that is shown, at once
+};
+
+Peer qcustomplot_peer(const Curves& curves, QSize size);
+Peer qwt_peer(const Curves& curves, QSize size);
