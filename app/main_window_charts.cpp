@@ -4,6 +4,7 @@
 
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
+#include "charts/raster_clip.h"
 #include "common/colors.h"
 #include "common/widget_sizing.h"
 #include "config/settings.h"
@@ -59,6 +60,8 @@ void MainWindow::set_up_chart_boxes()
     ui->verticalLayout->addStretch();
     for (PaintBox* box : {voltage_chart_box, bottom_chart_box}) {
         box->rubberband_enabled = true;
+        // Each paint fills the whole box: the ground below need not be painted first.
+        box->setAttribute(Qt::WA_OpaquePaintEvent);
         connect(box, &PaintBox::sig_rubberband, this, &MainWindow::slot_rubberband);
     }
 }
@@ -155,13 +158,17 @@ void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, L
 {
     // A chart that fails stays as far as it was painted; the test under it goes on.
     try {
-        painter->setBrush(Qt::white);
-        painter->drawRect(rect);
+        {
+            const RasterClip clip(painter);
+            painter->setBrush(Qt::white);
+            painter->drawRect(rect);
+        }
         const QList<Series*> series = get_series_list_to_plot(chart_type);
         const double dpi = QGuiApplication::primaryScreen()->physicalDotsPerInch();
         chart->plot(series, painter, rect, dpi * GRIDLINE_INCHES, style,
                     smooth ? SMOOTHING_INTERVAL_AH : 0.0, int(dpi * DOT_RADIUS_INCHES), int(dpi),
                     false, zoom);
+        const RasterClip clip(painter);
         if (style == LINES)
             plot_series_captions(painter, series);
         plot_closest_chart_point(series, chart_type, qobject_cast<PaintBox*>(sender()), chart,
