@@ -155,6 +155,10 @@ private slots:
 private:
     bool create_logs(const QString& csv_path);
 
+    // ---- test_station_report.cpp: the page for the customer ------------------
+private slots:
+    void on_pbGeneratePDF_clicked();
+
     // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
 public:
     void set_widget_sizes();
@@ -245,6 +249,7 @@ public:
     TestCycle* current_cycle = nullptr;  ///< in progress or last finished; one of `cycles`
     double next_ir_check_ah = 0.0;       ///< amp-hours at which the next resistance test starts
     QDateTime next_charge_test_timeout;
+    const QString no_data_text = "---";
     double ir_test_voltage = 0.0;      ///< volts under load, when the resistance test started
     double ir_test_current = 0.0;      ///< amps, likewise
     double charge_test_voltage = 0.0;  ///< volts when the full charge test started
