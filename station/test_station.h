@@ -132,6 +132,7 @@ public:
     void set_log_all_telemetry(bool on);
 
 private:
+    void share_data_log();
     void delete_cycles();
 
     // ---- test_station_log_reader.cpp: a log becomes a test again -------------

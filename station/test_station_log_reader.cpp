@@ -29,6 +29,7 @@ bool TestStation::ui_safe_read_log()
         show_error("Unable to read log file.");
         return false;
     }
+    share_data_log();
     populate_ui();
     emit sig_max_cycle_change();
     return true;

@@ -15,6 +15,8 @@
 #include <QFileInfo>
 #include <QTextStream>
 
+#include <fcntl.h>
+
 namespace
 {
 /** Where a new test writes, and whether an earlier log there is to be read first. */
@@ -112,7 +114,19 @@ bool TestStation::begin_log()
     if (paths.append)
         return ui_safe_read_log();
     write_data_log_header();
+    share_data_log();
     return true;
+}
+
+/**
+ * Another station may be given the same file. Each would write at a place of its own, over the other's
+ * records; at the end of the file the system now puts each record behind the last, whoever wrote it.
+ */
+void TestStation::share_data_log()
+{
+    const int handle = data_log->handle();
+    if (data_log->atEnd())
+        fcntl(handle, F_SETFL, fcntl(handle, F_GETFL) | O_APPEND);
 }
 
 void TestStation::write_data_log_header()

@@ -36,9 +36,8 @@ private slots:
     void a_read_only_directory_is_told();
     void names_of_all_letters_reach_the_disk();
     void logs_already_open_are_told_and_replaced();
+    void a_line_under_the_failure_meets_no_closed_log();
     void lines_go_on_under_the_question();
-    void two_stations_of_one_name_can_keep_apart();
-    void two_stations_of_one_name_can_part_by_overwriting();
 };
 
 namespace
@@ -337,6 +336,24 @@ void BeginLogTest::logs_already_open_are_told_and_replaced()
     QVERIFY(bench.csv().startsWith("Kestrometer Log\nBattery Name:  Pack A\nSerial Number: 2\n"));
 }
 
+void BeginLogTest::a_line_under_the_failure_meets_no_closed_log()
+{
+    StationBench bench;
+    Settings::set_log_all_telemetry(true);
+    bench.start("Pack A", "1");
+    bench.station->log_dir = bench.path("no such directory");
+    bench.answers.click(QMessageBox::Ok);
+    bench.answers.click(QMessageBox::Ok);
+    bench.answers.handle([&bench](QWidget* box) {
+        bench.receive("41.52", "0.0", "O");
+        static_cast<QDialog*>(box)->reject();
+    });
+    QVERIFY(!bench.station->begin_log());
+    QCOMPARE(errors_shown(bench).last(),
+             QString("Error: Could not open log file with write permission."));
+    QCOMPARE(bench.instrument->voltage, 41.52);
+}
+
 void BeginLogTest::lines_go_on_under_the_question()
 {
     StationBench bench;
@@ -351,38 +368,6 @@ void BeginLogTest::lines_go_on_under_the_question()
     QCOMPARE(bench.station->phase, PHASE_CHARGING);
     QCOMPARE(bench.instrument->voltage, 41.52);
     QVERIFY(bench.csv().endsWith("Time (s),Voltage (V)\n"));
-}
-
-void BeginLogTest::two_stations_of_one_name_can_keep_apart()
-{
-    StationBench first;
-    first.start();
-    StationBench second;
-    second.station->log_dir = first.folder.path();
-    choose(first, "rbSuffix");  // whichever of the two sees the dialog first
-    choose(second, "rbSuffix");
-    second.start();
-    first.station->append_data_log(1.0, 41.0);
-    second.station->append_data_log(2.0, 42.0);
-    QVERIFY(first.file("Pack A_1042.csv").endsWith("Voltage (V)\n1.0,41.00\n"));
-    QVERIFY(first.file("Pack A_1042 (2).csv").endsWith("Voltage (V)\n2.0,42.00\n"));
-}
-
-void BeginLogTest::two_stations_of_one_name_can_part_by_overwriting()
-{
-    StationBench first;
-    first.start();
-    StationBench second;
-    second.station->log_dir = first.folder.path();
-    choose(first, "rbOverwrite");  // whichever of the two sees the dialog first
-    choose(second, "rbOverwrite");
-    second.start();
-    first.station->append_data_log(1.0, 41.0);
-    second.station->append_data_log(2.0, 42.0);
-    QVERIFY(first.file("Pack A_1042.csv").endsWith("Voltage (V)\n2.0,42.00\n"));
-    // The first still writes, into the file that has lost its name.
-    first.station->data_log->seek(0);
-    QVERIFY(first.station->data_log->readAll().endsWith("Voltage (V)\n1.0,41.00\n"));
 }
 
 QTEST_MAIN(BeginLogTest)

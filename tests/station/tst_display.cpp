@@ -210,6 +210,10 @@ void DisplayTest::totals_of_a_finished_cycle_stay_until_the_next_delivers()
     bench.station->update_ui();
     QCOMPARE(text_of(bench, "laCummAmpHours"), QString("0.00 Ah"));
     QCOMPARE(text_of(bench, "laCummWattHours"), QString("0.00 Wh"));
+    add_cycle(*bench.station, 0.0, 0.0);
+    second->amp_hours = 4.0;
+    bench.station->update_ui();
+    QCOMPARE(text_of(bench, "laCummAmpHours"), QString("4.00 Ah"));
 }
 
 void DisplayTest::the_voltage_has_one_decimal_data()
