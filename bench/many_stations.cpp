@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <memory>
 #include <poll.h>
 #include <sys/prctl.h>
@@ -26,6 +27,7 @@ namespace
 constexpr int STATIONS = 64;
 constexpr int LINES_PER_SECOND = 10;
 constexpr int SECONDS = 20;
+constexpr int PLAIN_SECONDS = 6;
 constexpr long BILLION = 1000000000;
 
 using Terminals = std::vector<std::unique_ptr<PseudoTerminal>>;
@@ -50,10 +52,21 @@ void sleep_until(timespec& time, long nanoseconds_later)
     ::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr);
 }
 
-/** All instruments: one after the other, evenly over the time, each obeys and then speaks. */
+volatile std::sig_atomic_t in_bursts = 0;
+
+void toggle_bursts(int)
+{
+    in_bursts = in_bursts == 0 ? 1 : 0;
+}
+
+/**
+ * All instruments, one after the other: each obeys and then speaks. They speak evenly spread over the
+ * time, so that each line wakes the application by itself, or all at once.
+ */
 [[noreturn]] void play_instruments(const Terminals& terminals)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    std::signal(SIGUSR1, toggle_bursts);
     std::vector<char> states(STATIONS, 'O');
     timespec time = {};
     ::clock_gettime(CLOCK_MONOTONIC, &time);
@@ -68,8 +81,37 @@ void sleep_until(timespec& time, long nanoseconds_later)
                                          41.0 - 0.0001 * number + 0.01 * (number * 7 % 5),
                                          9.8 + 0.1 * (number * 5 % 4), int(i) + 1, states[i]);
         terminals[i]->write(QByteArray(line, length));
-        sleep_until(time, BILLION / STATIONS / LINES_PER_SECOND);
+        if (in_bursts == 0)
+            sleep_until(time, BILLION / STATIONS / LINES_PER_SECOND);
+        else if (i == STATIONS - 1)
+            sleep_until(time, BILLION / LINES_PER_SECOND);
     }
+}
+
+/** The limit: what arrives on any port goes into one file. @return CPU share, in percent */
+double share_of_plain_loop(const QStringList& ports)
+{
+    std::vector<pollfd> waiting;
+    for (const QString& port : ports) {
+        const QByteArray path = "/dev/" + port.toLocal8Bit();
+        waiting.push_back({::open(path.constData(), O_RDONLY | O_NOCTTY | O_NONBLOCK), POLLIN, 0});
+    }
+    std::FILE* const file = std::tmpfile();
+    const double before = cpu_seconds();
+    const std::time_t end = std::time(nullptr) + PLAIN_SECONDS;
+    char line[4096];
+    while (std::time(nullptr) < end && ::poll(waiting.data(), waiting.size(), 1000) > 0) {
+        for (const pollfd& port : waiting) {
+            const ssize_t length = port.revents != 0 ? ::read(port.fd, line, sizeof line) : 0;
+            if (length > 0 && ::write(::fileno(file), line, size_t(length)) != length)
+                qFatal("The file of the plain loop cannot be written.");
+        }
+    }
+    const double share = (cpu_seconds() - before) / PLAIN_SECONDS * 100.0;
+    std::fclose(file);
+    for (const pollfd& port : waiting)
+        ::close(port.fd);
+    return share;
 }
 
 void run_for(int milliseconds)
@@ -89,17 +131,19 @@ void add_stations(MainWindow& window, const QStringList& ports)
         begin_discharge(*station, "Pack", QString::number(++number));
 }
 
-/** Points recorded in all series since the tests began. */
-int points()
+double share_of_application()
 {
-    int count = 0;
-    for (const TestStation* station : qAsConst(TestStation::all_instances))
-        count += station->current_cycle->voltage_vs_amphours.points.size();
-    return count;
+    const double before = cpu_seconds();
+    run_for(SECONDS * 1000);
+    return (cpu_seconds() - before) / SECONDS * 100.0;
 }
 
-BenchRow run_stations(int argc, char** argv, const QStringList& ports)
+void compare(int argc, char** argv, const QStringList& ports, pid_t instruments)
 {
+    const double plain_spread = share_of_plain_loop(ports);
+    ::kill(instruments, SIGUSR1);
+    const double plain_bursts = share_of_plain_loop(ports);
+
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     const QTemporaryDir folder;
@@ -108,15 +152,15 @@ BenchRow run_stations(int argc, char** argv, const QStringList& ports)
     window.show();
     add_stations(window, ports);
     run_for(2000);
+    const double bursts = share_of_application();
+    ::kill(instruments, SIGUSR1);
+    run_for(1000);
+    const double spread = share_of_application();
 
-    const int points_before = points();
-    const double before = cpu_seconds();
-    run_for(SECONDS * 1000);
-    const double share = (cpu_seconds() - before) / SECONDS * 100.0;
-    const int lines = points() - points_before;
-    std::printf("%d lines arrived in %d seconds, %.1f us of CPU each\n", lines, SECONDS,
-                share / 100.0 * SECONDS / lines * 1e6);
-    return {"64 stations at 10 lines a second, share of a core", share, 0.0, 0.0, "%", 3.0};
+    print_bench_table({
+        {"64 stations, 10 lines a second, all at once", bursts, plain_bursts, 0.0, "%", 3.0},
+        {"64 stations, 10 lines a second, one by one", spread, plain_spread, 0.0, "%"},
+    });
 }
 }  // namespace
 
@@ -131,9 +175,8 @@ int main(int argc, char** argv)
     if (instruments == 0)
         play_instruments(terminals);
     terminals.clear();
-    const BenchRow row = run_stations(argc, argv, ports);
+    compare(argc, argv, ports, instruments);
     ::kill(instruments, SIGKILL);
     ::waitpid(instruments, nullptr, 0);
-    print_bench_table({row});
     return 0;
 }
