@@ -1,6 +1,7 @@
 #include "support/whole_test.h"
 
 #include "support/golden_file.h"
+#include "support/reloaded_log.h"
 
 #include "device/kestrometer.h"
 #include "station/test_station.h"
@@ -63,7 +64,8 @@ QString WholeTest::difference_from(const QString& name)
     QStringList differences;
     differences << difference_from_golden(name + ".commands", link.commands)
                 << difference_from_golden(name + ".csv", bench.csv())
-                << difference_from_golden(name + ".txt", bench.txt());
+                << difference_from_golden(name + ".txt", bench.txt())
+                << difference_after_reload(station, bench.csv());
     differences.removeAll(QString());
     return differences.join('\n');
 }

@@ -38,7 +38,10 @@ public:
     /** From now on ten minutes of a level voltage, that of a full pack, lie behind this charge. */
     void level_off();
 
-    /** Empty if the commands and both logs are those in tests/data/whole, else what differs. */
+    /**
+     * Empty if the commands and both logs are those in tests/data/whole, and if the data log loads as
+     * the test that wrote it; else what differs.
+     */
     QString difference_from(const QString& name);
 
     StationBench bench;
