@@ -92,8 +92,9 @@ QWidget* WidgetGrid::get_widget(int row, int col) const
 void WidgetGrid::place_widgets(QWidget* parent, int& total_width, int& total_height)
 {
     const int gap = gap_between_cells();
-    const QList<int> heights = row_heights(gap);
-    const QList<int> widths = col_widths(gap);
+    QList<int> heights;
+    QList<int> widths;
+    measure(gap, heights, widths);
     int y = 0;
     for (int row = 0; row < rows; ++row) {
         int x = 0;
@@ -110,30 +111,23 @@ void WidgetGrid::place_widgets(QWidget* parent, int& total_width, int& total_hei
     total_height = sum(heights);
 }
 
-QList<int> WidgetGrid::row_heights(int gap) const
+/** Both at once: asking a widget for its hint is what a placement mostly costs. */
+void WidgetGrid::measure(int gap, QList<int>& heights, QList<int>& widths) const
 {
-    QList<int> heights;
+    for (int row = 0; row < rows; ++row)
+        heights.append(gap);
+    for (int col = 0; col < cols; ++col)
+        widths.append(gap);
     for (int row = 0; row < rows; ++row) {
-        int highest = 0;
-        for (int col = 0; col < cols; ++col)
-            if (const QWidget* widget = get_widget(row, col))
-                highest = qMax(highest, size_in_grid(widget).height());
-        heights.append(highest + gap);
+        for (int col = 0; col < cols; ++col) {
+            const QWidget* widget = get_widget(row, col);
+            if (widget == nullptr)
+                continue;
+            const QSize size = size_in_grid(widget);
+            heights[row] = qMax(heights.at(row), size.height() + gap);
+            widths[col] = qMax(widths.at(col), size.width() + gap);
+        }
     }
-    return heights;
-}
-
-QList<int> WidgetGrid::col_widths(int gap) const
-{
-    QList<int> widths;
-    for (int col = 0; col < cols; ++col) {
-        int widest = 0;
-        for (int row = 0; row < rows; ++row)
-            if (const QWidget* widget = get_widget(row, col))
-                widest = qMax(widest, size_in_grid(widget).width());
-        widths.append(widest + gap);
-    }
-    return widths;
 }
 
 void WidgetGrid::place(QWidget* parent, QWidget* widget, Qt::Alignment alignment,

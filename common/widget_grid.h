@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QMap>
 #include <QPair>
 #include <Qt>
@@ -32,8 +33,7 @@ public:
 private:
     struct Cell;
 
-    QList<int> row_heights(int gap) const;
-    QList<int> col_widths(int gap) const;
+    void measure(int gap, QList<int>& heights, QList<int>& widths) const;
     void place(QWidget* parent, QWidget* widget, Qt::Alignment alignment, const Cell& cell) const;
 
     QMap<QPair<int, int>, QWidget*> widgets;  ///< by row and column
