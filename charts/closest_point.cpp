@@ -10,8 +10,8 @@ namespace
 /** In 64 bits, then single precision: what is equal there counts as equally near. */
 float square_distance(qint64 dx, qint64 dy)
 {
-    // Each square fits, also between the ends of the pixel range; the sum needs the sign's bit too.
-    return static_cast<float>(quint64(dx * dx) + quint64(dy * dy));
+    // From a screen to an end of the pixel range each square takes 63 bits, and their sum 64.
+    return static_cast<float>(quint64(dx) * quint64(dx) + quint64(dy) * quint64(dy));
 }
 }  // namespace
 
