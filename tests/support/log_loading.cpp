@@ -1,0 +1,50 @@
+#include "support/log_loading.h"
+
+#include "support/test_files.h"
+
+#include <QDir>
+#include <QtTest>
+
+QByteArray sample_log(const char* name)
+{
+    return content_of(QDir(KEST_TEST_DATA "/logs").filePath(name));
+}
+
+QString place_log(const StationBench& bench, const char* name, const QString& as)
+{
+    const QString path = bench.path(as);
+    if (!write_file(path, sample_log(name)))
+        qFatal("No sample at %s", qPrintable(path));
+    return path;
+}
+
+void load_log(StationBench& bench, const QString& path)
+{
+    bench.answers.choose_path(path);
+    bench.press("pbLoadLog");
+}
+
+bool in_start_state(const TestStation& station)
+{
+    for (const char* name : {"cbProfile", "pbDirectory", "leProfileName", "leSerialNumber"})
+        if (!station.findChild<QWidget*>(name)->isEnabled())
+            return false;
+    return station.phase == PHASE_IDLE && station.data_log == nullptr &&
+           station.text_log == nullptr && station.cycles.isEmpty() &&
+           station.current_cycle == nullptr && station.serial_number.isEmpty() &&
+           !station.serial_number_edited;
+}
+
+QStringList boxes_of(const StationBench& bench)
+{
+    QStringList texts;
+    for (const SeenBox& box : bench.answers.seen)
+        texts << box.caption + ": " + box.text;
+    return texts;
+}
+
+void PreviewStation::load(StationBench& bench, const QString& path)
+{
+    bench.answers.choose_path(path);
+    QTest::mouseClick(find<QPushButton>("pbLoadLog"), Qt::LeftButton);
+}
