@@ -2,6 +2,7 @@
 #include "support/ini_memory.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -45,7 +46,9 @@ void require(bool condition)
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
     static const QCoreApplication application(*argc, *argv);
-    folder = std::make_unique<QTemporaryDir>();
+    // In memory where there is such a place: the disk would be most of the time.
+    folder = std::make_unique<QTemporaryDir>(QDir("/dev/shm").exists() ? "/dev/shm/fuzz-XXXXXX"
+                                                                       : "fuzz-XXXXXX");
     return 0;
 }
 

@@ -4,10 +4,12 @@
 
 #include <QBuffer>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QStringList>
 
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 namespace
 {
@@ -48,11 +50,29 @@ void require(bool condition)
     if (!condition)
         std::abort();
 }
+
+/** Made once: each attempt to open its port, which stays closed, waits for the disk. */
+std::unique_ptr<Kestrometer> instrument;
+
+/** As new, for the next input. */
+void start_anew()
+{
+    // Whatever was left of a line is taken as one.
+    instrument->receive_buffer += "\r\n";
+    QMetaObject::invokeMethod(instrument.get(), "receive_data");
+    instrument->voltage = 0.0;
+    instrument->current = 0.0;
+    instrument->id = -1;
+    instrument->state = Off;
+    instrument->last_data_time = QDateTime();
+    instrument->previous_data_time = QDateTime();
+}
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
     static const QCoreApplication application(*argc, *argv);
+    instrument = std::make_unique<Kestrometer>("no port");
     return 0;
 }
 
@@ -61,10 +81,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     QBuffer traffic;
     traffic.open(QIODevice::WriteOnly);
-    Kestrometer instrument("no port");
-    instrument.telemetry_log = &traffic;
+    instrument->telemetry_log = &traffic;
     int valid_lines = 0;
-    QObject::connect(&instrument, &Kestrometer::sig_measurement, [&] { ++valid_lines; });
+    const auto counting = QObject::connect(instrument.get(), &Kestrometer::sig_measurement,
+                                           [&valid_lines] { ++valid_lines; });
 
     QString text;
     for (size_t at = 0; at < size;) {
@@ -72,20 +92,23 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const QByteArray bytes(reinterpret_cast<const char*>(data + at + 1), int(length));
         at += 1 + length;
         text += decoded(bytes);
-        instrument.receive_buffer += decoded(bytes);
-        QMetaObject::invokeMethod(&instrument, "receive_data");
-        instrument.get_status();
+        instrument->receive_buffer += decoded(bytes);
+        QMetaObject::invokeMethod(instrument.get(), "receive_data");
+        instrument->get_status();
     }
 
     QStringList lines = text.split("\r\n");
-    require(instrument.receive_buffer == lines.takeLast());
+    require(instrument->receive_buffer == lines.takeLast());
     LiteralReadings literal;
     for (const QString& line : lines)
         literal.take(line);
     require(valid_lines == literal.valid_lines);
-    require(same_bits(instrument.voltage, literal.voltage));
-    require(same_bits(instrument.current, literal.current));
-    require(instrument.id == literal.id);
-    require(instrument.state == literal.state);
+    require(same_bits(instrument->voltage, literal.voltage));
+    require(same_bits(instrument->current, literal.current));
+    require(instrument->id == literal.id);
+    require(instrument->state == literal.state);
+    QObject::disconnect(counting);
+    instrument->telemetry_log = nullptr;
+    start_anew();
     return 0;
 }
