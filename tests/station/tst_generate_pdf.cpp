@@ -1,4 +1,5 @@
 #include "station/test_station.h"
+#include "support/ordinary_user.h"
 #include "support/pdf_file.h"
 #include "support/report_bench.h"
 #include "support/test_files.h"
@@ -24,7 +25,9 @@ private slots:
     void names_are_taken_as_they_are();
     void an_earlier_report_is_replaced();
     void other_numbers_have_other_files();
-    void a_pdf_directory_that_is_not_there_is_passed_over_in_silence();
+    void a_page_that_cannot_be_begun_is_passed_over_in_silence_data();
+    void a_page_that_cannot_be_begun_is_passed_over_in_silence();
+    void a_page_in_a_read_only_directory_is_passed_over_in_silence();
     void logs_are_copied_if_so_set();
     void logs_are_not_copied_onto_themselves();
     void every_log_that_fails_is_named_and_the_page_still_shown();
@@ -150,16 +153,53 @@ void GeneratePdfTest::other_numbers_have_other_files()
              QStringList({"Pack A_1042.pdf", "Pack A_1043.pdf"}));
 }
 
-void GeneratePdfTest::a_pdf_directory_that_is_not_there_is_passed_over_in_silence()
+void GeneratePdfTest::a_page_that_cannot_be_begun_is_passed_over_in_silence_data()
 {
+    QTest::addColumn<QString>("pdf_directory");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a directory that is not there") << "gone"
+                                                   << "Pack A";
+    QTest::newRow("a file for a directory") << "Pack A_1042.csv"
+                                            << "Pack A";
+    QTest::newRow("a directory of the page's name") << "taken"
+                                                    << "Pack A";
+    QTest::newRow("a name with a directory") << "taken"
+                                             << "Packs/A";
+}
+
+void GeneratePdfTest::a_page_that_cannot_be_begun_is_passed_over_in_silence()
+{
+    QFETCH(QString, pdf_directory);
+    QFETCH(QString, name);
     ReportBench report;
-    Settings::set_pdf_dir(report.bench.path("gone"));
+    report.add_cycle({});
+    QVERIFY(QDir().mkpath(report.bench.path("taken/Pack A_1042.pdf")));
+    report.bench.station->profile_name = name;
+    Settings::set_pdf_dir(report.bench.path(pdf_directory));
     Settings::set_copy_logs(true);
     Settings::set_header_image_filename(report.bench.path("gone.png"));
+    const double scale = TestStation::internal_resistance_chart.left_axis.forced_range.max;
     QTest::ignoreMessage(QtWarningMsg, "QPainter::begin(): Returned false");
     report.generate();
     QCOMPARE(texts_seen(report), QStringList());
     QVERIFY(!QFile::exists(report.bench.path("gone")));
+    QCOMPARE(files_in(report.bench.path("taken")), QStringList());
+    QCOMPARE(report.opened, QStringList());
+    QCOMPARE(TestStation::internal_resistance_chart.left_axis.forced_range.max, scale);
+}
+
+void GeneratePdfTest::a_page_in_a_read_only_directory_is_passed_over_in_silence()
+{
+    ReportBench report;
+    const QString directory = use_own_pdf_directory(report);
+    // For root no directory is read-only; anybody else has to get there.
+    QVERIFY(QFile::setPermissions(directory, QFile::Permissions(0x5555)));
+    QVERIFY(QFile::setPermissions(report.bench.folder.path(), QFile::Permissions(0x7755)));
+    const OrdinaryUser user;
+    QVERIFY(user.active());
+    QTest::ignoreMessage(QtWarningMsg, "QPainter::begin(): Returned false");
+    report.generate();
+    QCOMPARE(texts_seen(report), QStringList());
     QCOMPARE(report.opened, QStringList());
 }
 

@@ -25,6 +25,8 @@ private slots:
     void the_table_begins_three_quarters_of_an_inch_from_the_margin();
     void the_footer_ends_half_an_inch_from_the_margins();
     void the_image_reaches_from_margin_to_margin();
+    void odd_readings_leave_a_page_data();
+    void odd_readings_leave_a_page();
     void the_page_looks_as_expected_data();
     void the_page_looks_as_expected();
 };
@@ -160,6 +162,35 @@ void PrintedPageTest::the_image_reaches_from_margin_to_margin()
     for (const QPoint& outside :
          {QPoint(131, 130), QPoint(1143, 130), QPoint(600, 94), QPoint(600, 164)})
         QCOMPARE(page.pixelColor(outside), QColor(Qt::white));
+}
+
+void PrintedPageTest::odd_readings_leave_a_page_data()
+{
+    QTest::addColumn<double>("amps");
+    QTest::addColumn<double>("milliohms");
+    QTest::newRow("no current") << 0.0 << 60.0;
+    QTest::newRow("hardly a current") << 1e-300 << 60.0;
+    QTest::newRow("a current backward") << -2.0 << 60.0;
+    QTest::newRow("no number for a current") << qQNaN() << 60.0;
+    QTest::newRow("no number for a resistance") << 2.0 << qQNaN();
+    QTest::newRow("endless") << 2.0 << qInf();
+    QTest::newRow("huge") << 2.0 << 1e300;
+}
+
+void PrintedPageTest::odd_readings_leave_a_page()
+{
+    QFETCH(double, amps);
+    QFETCH(double, milliohms);
+    ReportBench report;
+    TestCycle* const cycle = report.add_cycle({1.0, 1, 60.0, true});
+    cycle->current_vs_amphours.add(2.0, amps);
+    cycle->internal_resistance.add(2.0, milliohms);
+    report.generate();
+    const PdfFile pdf(report.pdf_path());
+    QCOMPARE(pdf.info("Pages"), QString("1"));
+    QVERIFY(!pdf.box_of("Avg. Int. Resistance").isNull());
+    QVERIFY(!pdf.box_of("Software Version:").isNull());
+    QCOMPARE(pdf.rendered(36).size(), QSize(306, 396));
 }
 
 void PrintedPageTest::the_page_looks_as_expected_data()
