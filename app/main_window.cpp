@@ -4,6 +4,7 @@
 
 #include "common/build_info.h"
 #include "charts/paint_box.h"
+#include "config/battery_profiles.h"
 #include "config/settings.h"
 #include "dialogs/edit_settings_dialog.h"
 #include "station/test_station.h"
@@ -26,7 +27,7 @@ void retire(QWidget* box)
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent), ui(new Ui::MainWindow), chart_refresh_timer(this), blink_timer(this)
 {
-    if (!Settings::load())
+    if (!Settings::load() || !BatteryProfiles::load())
         std::exit(1);
     ui->setupUi(this);
     set_up_chart_boxes();

@@ -23,7 +23,7 @@ class MainWindow : public QMainWindow
 
 public:
     // ---- main_window.cpp: the frame, the menu and the timers ----------------
-    /** Ends the process with status 1 when the settings cannot be loaded; the loader has told why. */
+    /** Ends the process with status 1 when settings or profiles cannot be loaded. */
     explicit MainWindow(QWidget* parent);
     ~MainWindow() override;
 
