@@ -7,6 +7,7 @@
 
 QList<TestStation*> TestStation::all_instances;
 int TestStation::num_previews = 0;
+const QString TestStation::no_profile_text = "Select Profile...";
 LineChart TestStation::voltage_vs_amphours_chart;
 LineChart TestStation::current_vs_amphours_chart;
 LineChart TestStation::internal_resistance_chart;

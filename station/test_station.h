@@ -45,6 +45,7 @@ public:
 
     static QList<TestStation*> all_instances;  ///< every station, oldest first until sorted
     static int num_previews;                   ///< preview stations made so far
+    static const QString no_profile_text;      ///< first entry of every `cbProfile`: none selected
     static LineChart voltage_vs_amphours_chart;
     static LineChart current_vs_amphours_chart;
     static LineChart internal_resistance_chart;
@@ -153,12 +154,13 @@ private:
 private slots:
     void on_pbLoadLog_clicked();
 
-private:
-    bool create_logs(const QString& csv_path);
-
     // ---- test_station_report.cpp: the page for the customer ------------------
-private slots:
     void on_pbGeneratePDF_clicked();
+
+    // ---- test_station_profiles.cpp: the saved sets of parameters -------------
+    void on_cbProfile_currentTextChanged(const QString& text);
+    void on_pbSaveProfile_clicked();
+    void on_pbDeleteProfile_clicked();
 
     // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
 public:

@@ -31,6 +31,22 @@ QString choose_log(const QString& directory, const QStringList& in_use)
         show_error("That log file is currently in use.");
     }
 }
+
+/** False, with a message and without logs, if the path has no "." for the event log's to replace. */
+bool create_logs(TestStation& station, const QString& csv_path)
+{
+    station.data_log = new QFile(csv_path);
+    QString txt_path;
+    if (!File::change_extension(station.data_log->fileName(), ".txt", txt_path)) {
+        show_error(QString("Could not create new filename by changing extension of '%1' to '%2'.")
+                       .arg(station.data_log->fileName(), ".txt"));
+        delete station.data_log;
+        station.data_log = nullptr;
+        return false;
+    }
+    station.text_log = new QFile(txt_path);
+    return true;
+}
 }  // namespace
 
 void TestStation::on_pbLoadLog_clicked()
@@ -45,25 +61,9 @@ void TestStation::on_pbLoadLog_clicked()
     if (chosen.isEmpty())
         return;
     unload_test_data();
-    if (!create_logs(chosen) || !ui_safe_open_log() || !ui_safe_read_log())
+    if (!create_logs(*this, chosen) || !ui_safe_open_log() || !ui_safe_read_log())
         return;
     emit sig_max_cycle_change();
     emit sig_repaint_chart_request();
     update_ui();
-}
-
-/** False, with a message and without logs, if the path has no "." for the event log's to replace. */
-bool TestStation::create_logs(const QString& csv_path)
-{
-    data_log = new QFile(csv_path);
-    QString txt_path;
-    if (!File::change_extension(data_log->fileName(), ".txt", txt_path)) {
-        show_error(QString("Could not create new filename by changing extension of '%1' to '%2'.")
-                       .arg(data_log->fileName(), ".txt"));
-        delete data_log;
-        data_log = nullptr;
-        return false;
-    }
-    text_log = new QFile(txt_path);
-    return true;
 }

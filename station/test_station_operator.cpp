@@ -3,6 +3,7 @@
 #include "ui_test_station.h"
 
 #include "common/message_boxes.h"
+#include "config/battery_profiles.h"
 
 #include <QMessageBox>
 
@@ -110,6 +111,13 @@ void TestStation::on_pbNewTest_clicked()
                               QMessageBox::Cancel) != QMessageBox::Ok)
         return;
     unload_test_data();
+    // A test with a profile starts from the profile's number again.
+    const BatteryProfile* profile = BatteryProfiles::profiles.value(ui->cbProfile->currentText());
+    if (ui->cbProfile->currentText() == no_profile_text || profile == nullptr)
+        return;
+    serial_number = profile->serial_number_template;
+    populate_ui();
+    update_ui();
 }
 
 void TestStation::on_pbClose_clicked()

@@ -4,8 +4,10 @@
 
 #include "common/unicode.h"
 #include "common/widget_sizing.h"
+#include "config/battery_profiles.h"
 #include "config/settings.h"
 #include "device/kestrometer.h"
+#include "station/combobox_items.h"
 
 #include <QDoubleValidator>
 
@@ -123,8 +125,8 @@ void TestStation::set_up_panel()
         label->setVisible(false);
     ui->pbSaveProfile->setEnabled(false);
     ui->pbDeleteProfile->setEnabled(false);
-    ui->cbProfile->clear();
-    ui->cbProfile->addItem("Select Profile...");
+    set_combobox_items(ui->cbProfile,
+                       QStringList(no_profile_text) + BatteryProfiles::get_all_descriptions());
     set_up_validators(*this);
     ui->cbDetectFullCharge->setEnabled(false);
     ui->pbStartSkip->setEnabled(false);

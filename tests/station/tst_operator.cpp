@@ -214,8 +214,10 @@ void OperatorTest::locking_concerns_four_controls()
     StationBench bench;
     const auto enabled_widgets = [&bench] {
         QStringList names;
+        // The list of the profiles is a window of its own, which follows its box.
         for (const QWidget* widget : bench.station->findChildren<QWidget*>())
-            if (widget->isEnabled() && !widget->objectName().startsWith("qt_"))
+            if (widget->isEnabled() && !widget->objectName().startsWith("qt_") &&
+                widget->window() == bench.station.get())
                 names += widget->objectName();
         return names;
     };

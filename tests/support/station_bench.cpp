@@ -1,5 +1,6 @@
 #include "support/station_bench.h"
 
+#include "config/battery_profiles.h"
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
@@ -14,6 +15,9 @@ void load_test_settings(const QString& directory)
     QFile::remove(Settings::get_settings_filename());
     if (!Settings::load())
         qFatal("The settings of the test cannot be made.");
+    qDeleteAll(BatteryProfiles::profiles);
+    BatteryProfiles::profiles.clear();
+    QFile::remove(BatteryProfiles::get_filename());
     Settings::set_log_dir(directory);
     Settings::set_pdf_dir(directory);
 }

@@ -75,5 +75,5 @@ template <typename Widget> Widget* StationBench::widget(const char* name)
     return static_cast<Widget*>(find(name));
 }
 
-/** Makes the process's settings anew, empty but for this log and PDF directory. */
+/** Makes the process's settings anew, with this log and PDF directory, and takes all profiles away. */
 void load_test_settings(const QString& directory);
