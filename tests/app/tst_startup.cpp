@@ -3,6 +3,8 @@
 
 #include "common/console.h"
 #include "support/modal_answer.h"
+#include "support/profile_file.h"
+#include "support/test_files.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -15,6 +17,7 @@ namespace
 {
 const QString GUARD_KEY = "5bd399cd-d3b0-49de-8a69-b9fc02905849";
 const QByteArray FIRST_LINE = "Q_ASSERT is disabled; unable to test library functions.\n";
+const QString PROFILES = "tst_startup/battery_profiles.txt";
 const char* const START_WINDOW = "--start-window";
 const char* const ASK_THE_GUARD = "--ask-the-guard";
 
@@ -65,12 +68,10 @@ Outcome run_child(const char* what, const QString& data_home)
     return outcome;
 }
 
-void write_file(const QString& path, const QByteArray& content)
+void put_file(const QString& path, const QByteArray& content)
 {
     QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
+    QVERIFY(write_file(path, content));
 }
 }  // namespace
 
@@ -80,25 +81,30 @@ class StartupTest : public QObject
     Q_OBJECT
 
 private slots:
-    void a_first_start_writes_the_settings();
+    void a_first_start_writes_settings_and_profiles();
     void a_malformed_settings_file_ends_the_process_data();
     void a_malformed_settings_file_ends_the_process();
     void a_settings_directory_that_cannot_be_made_ends_the_process();
+    void malformed_profiles_end_the_process_in_silence_data();
+    void malformed_profiles_end_the_process_in_silence();
+    void unreadable_profiles_end_the_process_in_silence();
+    void refused_settings_leave_the_profiles_alone();
+    void odd_profiles_do_not_keep_the_program_from_starting();
     void the_library_test_says_that_it_is_disabled();
     void two_copies_of_the_program_run_together();
     void the_guard_lets_a_lone_copy_through();
     void the_guard_ends_a_second_copy();
 };
 
-void StartupTest::a_first_start_writes_the_settings()
+void StartupTest::a_first_start_writes_settings_and_profiles()
 {
     const QTemporaryDir home;
     const Outcome outcome = run_child(START_WINDOW, home.path());
     QCOMPARE(outcome.output, QByteArray("running\n"));
     QCOMPARE(outcome.status, 0);
-    QFile file(home.filePath("tst_startup/kestrometer.cfg"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("[misc]\nchart_refresh_rate_hz=3\n\n"));
+    QCOMPARE(content_of(home.filePath("tst_startup/kestrometer.cfg")),
+             QByteArray("[misc]\nchart_refresh_rate_hz=3\n\n"));
+    QCOMPARE(content_of(home.filePath(PROFILES)), FIRST_PROFILE_FILE);
 }
 
 void StartupTest::a_malformed_settings_file_ends_the_process_data()
@@ -117,7 +123,7 @@ void StartupTest::a_malformed_settings_file_ends_the_process()
     QFETCH(QByteArray, content);
     const QTemporaryDir home;
     const QString path = home.filePath("tst_startup/kestrometer.cfg");
-    write_file(path, content);
+    put_file(path, content);
     const Outcome outcome = run_child(START_WINDOW, home.path());
     QCOMPARE(outcome.output, QString("Error|Unable to read %1.\n").arg(path).toUtf8());
     QCOMPARE(outcome.status, 1);
@@ -130,12 +136,62 @@ void StartupTest::a_settings_directory_that_cannot_be_made_ends_the_process()
 {
     const QTemporaryDir home;
     const QString file = home.filePath("a_file");
-    write_file(file, "in the way");
+    put_file(file, "in the way");
     const Outcome outcome = run_child(START_WINDOW, file);
     QCOMPARE(
         outcome.output,
         QString("Error|Cannot create settings directory (%1/tst_startup).\n").arg(file).toUtf8());
     QCOMPARE(outcome.status, 1);
+}
+
+void StartupTest::malformed_profiles_end_the_process_in_silence_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("a variable before the first header") << QByteArray("number_of_cycles=1\n");
+    QTest::newRow("an unknown key") << QByteArray("[Pack]\ncolour=red\n");
+    QTest::newRow("a comment of another kind") << QByteArray("[Pack]\n; a=b\n");
+    QTest::newRow("no number") << QByteArray("[Pack]\nlow_voltage_cutoff=low\n");
+    QTest::newRow("a decimal comma") << QByteArray("[Pack]\nmax_charge_time_hr=1,5\n");
+    QTest::newRow("beyond 32 bits") << QByteArray("[Pack]\nnumber_of_cycles=4294967296\n");
+    QTest::newRow("a small yes") << QByteArray("[Pack]\ndetect_full_charge=yes\n");
+    QTest::newRow("behind a good one") << FIRST_PROFILE_FILE + "=\n";
+}
+
+void StartupTest::malformed_profiles_end_the_process_in_silence()
+{
+    QFETCH(QByteArray, content);
+    const QTemporaryDir home;
+    put_file(home.filePath(PROFILES), content);
+    const Outcome outcome = run_child(START_WINDOW, home.path());
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.status, 1);
+    QCOMPARE(content_of(home.filePath(PROFILES)), content);
+}
+
+void StartupTest::unreadable_profiles_end_the_process_in_silence()
+{
+    const QTemporaryDir home;
+    QVERIFY(QDir().mkpath(home.filePath(PROFILES)));
+    const Outcome outcome = run_child(START_WINDOW, home.path());
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.status, 1);
+}
+
+void StartupTest::refused_settings_leave_the_profiles_alone()
+{
+    const QTemporaryDir home;
+    put_file(home.filePath("tst_startup/kestrometer.cfg"), "a=b\n");
+    QCOMPARE(run_child(START_WINDOW, home.path()).status, 1);
+    QVERIFY(!QFile::exists(home.filePath(PROFILES)));
+}
+
+void StartupTest::odd_profiles_do_not_keep_the_program_from_starting()
+{
+    const QTemporaryDir home;
+    put_file(home.filePath(PROFILES), "words\n'colour=red\n[]\n[a]b]\nnumber_of_cycles=0x10\n");
+    const Outcome outcome = run_child(START_WINDOW, home.path());
+    QCOMPARE(outcome.output, QByteArray("running\n"));
+    QCOMPARE(outcome.status, 0);
 }
 
 void StartupTest::the_library_test_says_that_it_is_disabled()

@@ -1,9 +1,9 @@
 #include "support/station_bench.h"
 
-#include "config/battery_profiles.h"
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
+#include "support/profile_file.h"
 
 #include <QFile>
 #include <QLineEdit>
@@ -15,16 +15,16 @@ void load_test_settings(const QString& directory)
     QFile::remove(Settings::get_settings_filename());
     if (!Settings::load())
         qFatal("The settings of the test cannot be made.");
-    qDeleteAll(BatteryProfiles::profiles);
-    BatteryProfiles::profiles.clear();
-    QFile::remove(BatteryProfiles::get_filename());
+    forget_profiles();
     Settings::set_log_dir(directory);
     Settings::set_pdf_dir(directory);
 }
 
-StationBench::StationBench()
+StationBench::StationBench(const QByteArray& profiles)
 {
     load_test_settings(folder.path());
+    if (!profiles.isEmpty())
+        load_test_profiles(profiles);
     instrument = new Kestrometer(wire.port_name());
     station = std::make_unique<TestStation>(nullptr, instrument);
     station->show();

@@ -28,7 +28,8 @@ class TestStation;
 class StationBench
 {
 public:
-    StationBench();
+    /** @param profiles the profile file; without one there are none */
+    explicit StationBench(const QByteArray& profiles = QByteArray());
     ~StationBench();
 
     /** Types the name and the number as the operator would. */
