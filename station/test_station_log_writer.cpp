@@ -36,6 +36,18 @@ void write_record(QFile* file, const QString& text)
     stream << text;
 }
 
+/** A log cut off in mid-line, as by a loss of power, goes on in a line of its own. */
+void end_cut_line(QFile* file)
+{
+    const qint64 end = file->size();
+    if (end == 0 || file->pos() != end || !file->seek(end - 1))
+        return;
+    char last = '\n';
+    file->getChar(&last);
+    if (last != '\n')
+        write_record(file, "\n");
+}
+
 LogFormat::Section section_of(const TestStation& station, int number, const QDateTime& start)
 {
     LogFormat::Section section;
@@ -136,6 +148,8 @@ void TestStation::write_data_log_header()
 
 void TestStation::write_charge_cycle_header()
 {
+    if (data_log != nullptr)
+        end_cut_line(data_log);
     write_record(data_log, LogFormat::charge_section_header(
                                section_of(*this, get_cycle_number() + 1, leg_start_time)));
 }

@@ -21,6 +21,7 @@ private slots:
     void finished_cycles_stay_as_they_were();
     void a_finished_and_resumed_test_loads_again();
     void a_resume_asks_nothing_and_keeps_the_names_locked();
+    void a_log_cut_off_in_mid_line_goes_on_in_a_line_of_its_own();
     void parameters_of_the_panel_stand_in_the_next_section();
     void an_append_to_a_file_that_is_no_log_is_refused();
     void an_older_log_that_goes_on_cannot_be_loaded_again();
@@ -153,6 +154,25 @@ void ResumedTestsTest::a_resume_asks_nothing_and_keeps_the_names_locked()
     QCOMPARE(test.station.phase, PHASE_CHARGING);
     for (const char* name : {"leProfileName", "leSerialNumber", "cbProfile", "pbDirectory"})
         QVERIFY(!test.bench.widget<QWidget>(name)->isEnabled());
+}
+
+void ResumedTestsTest::a_log_cut_off_in_mid_line_goes_on_in_a_line_of_its_own()
+{
+    WholeTest test;
+    const QByteArray cut = broken_off().chopped(1);
+    load(test, cut);
+    QCOMPARE(test.bench.csv(), cut);
+    test.press("pbStartSkip");
+    QVERIFY(test.bench.csv().startsWith(cut + "\nCharge Number:               3\n"));
+    test.run(2);
+    QVERIFY(write_file(test.bench.path("copy.csv"), test.bench.csv()));
+    const int cycles = test.station.cycles.size();
+
+    test.bench.answers.click(QMessageBox::Yes);
+    test.bench.answers.choose_path(test.bench.path("copy.csv"));
+    test.press("pbLoadLog");
+    QVERIFY(test.station.data_log != nullptr);
+    QCOMPARE(test.station.cycles.size(), cycles);
 }
 
 void ResumedTestsTest::parameters_of_the_panel_stand_in_the_next_section()
