@@ -12,7 +12,6 @@
 
 #include <QGuiApplication>
 #include <QLabel>
-#include <QMutex>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>

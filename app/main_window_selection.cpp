@@ -58,6 +58,8 @@ void MainWindow::rebuild_cycle_checkbox_grid()
     grid_width = 0;
     grid.place_widgets(header_box, grid_width, height);
     header_box->setFixedHeight(qMax(height, LOGO_HEIGHT));
+    // The logo beside the grid comes and goes with the room that is left.
+    header_box->update();
 }
 
 void MainWindow::place_stations(WidgetGrid& grid, int max_cycles)

@@ -28,7 +28,8 @@ void MainWindow::slot_rubberband(QRect rect)
     zoom->x.include(chart->bottom_axis.unmap_value(rect.right()));
     zoom->y.include(chart->left_axis.unmap_value(rect.bottom()));
     zoom->y.include(chart->left_axis.unmap_value(rect.top()));
-    if (zoom->x.size() < LEAST_ZOOM || zoom->y.size() < LEAST_ZOOM) {
+    // A zoomed chart without a curve has no scale: there the sizes may be no numbers at all.
+    if (!(zoom->x.size() >= LEAST_ZOOM && zoom->y.size() >= LEAST_ZOOM)) {
         show_error("Zoom limit exceeded.");
         return;
     }
