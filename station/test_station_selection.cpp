@@ -30,6 +30,8 @@ void TestStation::set_up_all_cycles_checkbox()
 // and gives the new station its colour.
 void TestStation::set_up_color_combobox()
 {
+    // A style sheet set before the box is polished would leave its size to the one after it.
+    color_combobox.ensurePolished();
     repopulate_color_combobox();
     color_combobox.setItemDelegate(&selection_killer_delegate);
     color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
