@@ -67,7 +67,9 @@ QString directory_of(QString path)
 
 bool copy_file(QString source, QString target, bool overwrite)
 {
-    if (place_of(source) == place_of(target))
+    // A link is followed where it is read: removing what it leads to would lose the only copy.
+    const QString content = QFileInfo(QDir(".").absoluteFilePath(source)).canonicalFilePath();
+    if (place_of(source) == place_of(target) || content == place_of(target))
         return false;
     source = QDir(".").absoluteFilePath(source);
     target = QDir(".").absoluteFilePath(target);

@@ -244,6 +244,8 @@ void FileTest::copy_file_never_copies_onto_itself_data()
                                        << "%1//file";
     QTest::newRow("linked directory") << "%1/file"
                                       << "%1/link/file";
+    QTest::newRow("linked file") << "%1/linked_file"
+                                 << "%1/file";
 }
 
 void FileTest::copy_file_never_copies_onto_itself()
@@ -255,6 +257,7 @@ void FileTest::copy_file_never_copies_onto_itself()
     QVERIFY(write_file(dir.filePath("file"), "content"));
     QVERIFY(QDir(dir.path()).mkdir("sub"));
     QVERIFY(QFile::link(dir.path(), dir.filePath("link")));
+    QVERIFY(QFile::link(dir.filePath("file"), dir.filePath("linked_file")));
     source.replace("%1", dir.path());
     target.replace("%1", dir.path());
     QVERIFY(!File::copy_file(source, target, false));
