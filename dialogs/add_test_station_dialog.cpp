@@ -22,6 +22,9 @@ QStringList free_port_names()
 {
     QStringList names = SerialPorts::names();
     QCollator collator;
+    // The C locale compares character by character and would put "COM10" first.
+    if (collator.locale().language() == QLocale::C)
+        collator.setLocale(QLocale(QLocale::English));
     collator.setNumericMode(true);
     std::sort(names.begin(), names.end(), collator);
     for (const TestStation* station : qAsConst(TestStation::all_instances))

@@ -33,6 +33,7 @@ private slots:
     void the_tooltips_explain_port_and_refresh();
     void every_slot_finds_its_widget();
     void without_ports_only_a_preview_is_offered();
+    void ports_are_sorted_by_their_numbers_data();
     void ports_are_sorted_by_their_numbers();
     void the_first_usbserial_port_is_preselected();
     void usbserial_is_told_by_its_case();
@@ -48,8 +49,6 @@ private slots:
 
 void AddTestStationDialogTest::initTestCase()
 {
-    // The C locale, which tests have otherwise, sorts without regard to numbers.
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     QVERIFY(Settings::load());
 }
 
@@ -126,8 +125,19 @@ void AddTestStationDialogTest::without_ports_only_a_preview_is_offered()
     QVERIFY(bench.dialog->kestrometer == nullptr);
 }
 
+void AddTestStationDialogTest::ports_are_sorted_by_their_numbers_data()
+{
+    QTest::addColumn<QLocale>("locale");
+    QTest::newRow("a language") << QLocale(QLocale::German, QLocale::Germany);
+    QTest::newRow("the C locale") << QLocale::c();
+}
+
 void AddTestStationDialogTest::ports_are_sorted_by_their_numbers()
 {
+    QFETCH(QLocale, locale);
+    const QLocale before;
+    const auto restore = qScopeGuard([&before] { QLocale::setDefault(before); });
+    QLocale::setDefault(locale);
     const PortDialogBench bench({"COM10", "COM2", "COM1"});
     QCOMPARE(bench.offered(), (QStringList{"Preview Only", "COM1", "COM2", "COM10"}));
     QCOMPARE(bench.port_box()->currentText(), QString("Preview Only"));
