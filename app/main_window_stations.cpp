@@ -136,7 +136,9 @@ void MainWindow::adopt_panel_width()
 void MainWindow::set_lhs_width()
 {
     const int measured = Settings::get_test_station_width_px();
-    const int panel = measured != 0 ? measured : width() / 2;
+    // The file may have been edited by hand: what no widget can have counts as not measured.
+    const bool possible = measured > 0 && measured <= QWIDGETSIZE_MAX;
+    const int panel = possible ? measured : width() / 2;
     ui->frNewStation->setFixedWidth(panel);
     // The viewport comes to exactly the panel's width, whatever scroll bar and frame take.
     ui->fr_left->setFixedWidth(ui->fr_left->width() - ui->scrollArea->viewport()->width() + panel);

@@ -21,6 +21,8 @@
 #include <QToolBar>
 #include <QtTest>
 
+#include <limits>
+
 namespace
 {
 const QByteArray LINE = "x\t48.00\t0.0\tx\tx\tID=%1\tO";
@@ -140,6 +142,8 @@ private slots:
     void a_station_closes_by_the_mouse_on_its_x();
     void the_left_column_follows_the_panels_width();
     void the_left_column_is_half_the_window_before_a_panel_was_seen();
+    void an_impossible_width_in_the_file_counts_as_not_measured_data();
+    void an_impossible_width_in_the_file_counts_as_not_measured();
     void a_rate_of_zero_in_the_file_does_not_end_the_program();
     void closing_the_window_switches_every_instrument_off();
 };
@@ -438,6 +442,24 @@ void MainWindowTest::the_left_column_is_half_the_window_before_a_panel_was_seen(
     QCOMPARE(bench.window->findChild<QWidget*>("frNewStation")->minimumWidth(),
              bench.window->width() / 2);
     QCOMPARE(bench.window->findChild<QWidget*>("frNewStation")->maximumWidth(),
+             bench.window->width() / 2);
+}
+
+void MainWindowTest::an_impossible_width_in_the_file_counts_as_not_measured_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::newRow("negative") << -5;
+    QTest::newRow("wider than a widget can be") << QWIDGETSIZE_MAX + 1;
+    QTest::newRow("as wide as a number can be") << std::numeric_limits<int>::max();
+}
+
+void MainWindowTest::an_impossible_width_in_the_file_counts_as_not_measured()
+{
+    QFETCH(int, width);
+    Bench bench;
+    Settings::set_test_station_width_px(width);
+    bench.window->set_lhs_width();
+    QCOMPARE(bench.window->findChild<QWidget*>("frNewStation")->minimumWidth(),
              bench.window->width() / 2);
 }
 
