@@ -104,6 +104,10 @@ TestStation* Demo::add_station(const SimulatorProcess& simulator, const Preparat
 
 void Demo::press_start_when_ready()
 {
+    if (running.isNull()) {
+        give_up("The station of the test was closed.\n");
+        return;
+    }
     auto* button = running->findChild<QPushButton*>("pbStartSkip");
     if (running->kestrometer->id == -1 || !button->isEnabled())
         return;
@@ -118,16 +122,28 @@ void Demo::press_start_when_ready()
 
 void Demo::watch_unattended_test()
 {
+    if (running.isNull()) {
+        give_up("The station of the test was closed.\n");
+        return;
+    }
     const bool second_discharge =
         running->phase == PHASE_DISCHARGING && running->get_cycle_number() == 2;
     if (screenshot.isEmpty() && second_discharge && running->current_cycle->amp_hours > 1.0)
         take_screenshot();
     if (running->phase == PHASE_DONE)
         finish_unattended();
-    else if (double(Time::now().toSecsSinceEpoch() - started_at) > LONGEST_TEST_S) {
-        print_to_console("The test has not come to its end; the logs show how far it got.\n");
-        QApplication::exit(1);
-    }
+    else if (double(Time::now().toSecsSinceEpoch() - started_at) > LONGEST_TEST_S)
+        give_up("The test has not come to its end; the logs show how far it got.\n");
+}
+
+/** A window that somebody works in goes on; an unattended run has nothing left to wait for. */
+void Demo::give_up(const QString& reason)
+{
+    poll.stop();
+    if (options.unattended_folder.isEmpty())
+        return;
+    print_to_console(reason);
+    QApplication::exit(1);
 }
 
 void Demo::take_screenshot()

@@ -5,6 +5,7 @@
 #include "demo/simulator_process.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 
 #include <array>
@@ -32,11 +33,12 @@ private:
     void watch_unattended_test();
     void take_screenshot();
     void finish_unattended();
+    void give_up(const QString& reason);
 
     DemoOptions options;
     std::array<SimulatorProcess, 3> simulators;  ///< a test runs, one is prepared, one is free
     std::unique_ptr<MainWindow> window;
-    TestStation* running = nullptr;  ///< owned by the window
+    QPointer<TestStation> running;  ///< owned by the window; null once its panel was closed
     QTimer poll;
     QString screenshot;  ///< its file, once taken
     qint64 started_at = 0;
