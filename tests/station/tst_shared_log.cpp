@@ -15,6 +15,8 @@ class SharedLogTest : public QObject
 
 private slots:
     void an_appended_log_goes_on();
+    void a_log_cut_off_goes_on_in_a_line_of_its_own_data();
+    void a_log_cut_off_goes_on_in_a_line_of_its_own();
     void a_log_that_cannot_be_read_is_left_as_it_is_data();
     void a_log_that_cannot_be_read_is_left_as_it_is();
     void two_stations_on_one_file_lose_no_record();
@@ -90,6 +92,32 @@ void SharedLogTest::an_appended_log_goes_on()
     QCOMPARE(bench.txt(), QByteArray("an earlier event\n"
                                      "2020-04-03 09:15:00 Switching to phase Charging because "
                                      "User clicked 'Start'.\n"));
+}
+
+void SharedLogTest::a_log_cut_off_goes_on_in_a_line_of_its_own_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QByteArray>("line_end");
+    const QByteArray carriage_returns = QByteArray(EARLIER).replace("\n", "\r\n");
+    QTest::newRow("whole") << EARLIER << QByteArray();
+    QTest::newRow("without its last line end") << EARLIER.chopped(1) << QByteArray("\n");
+    QTest::newRow("within a number") << EARLIER.chopped(2) << QByteArray("\n");
+    QTest::newRow("CR LF, whole") << carriage_returns << QByteArray();
+    QTest::newRow("CR LF, between the two") << carriage_returns.chopped(1) << QByteArray("\n");
+    QTest::newRow("CR LF, before the two") << carriage_returns.chopped(2) << QByteArray("\n");
+}
+
+void SharedLogTest::a_log_cut_off_goes_on_in_a_line_of_its_own()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QByteArray, line_end);
+    StationBench bench;
+    QVERIFY(write_file(bench.path("Pack A_1042.csv"), log));
+    choose(bench, "rbAppend");
+    bench.start();
+    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.csv().left(log.size()), log);
+    QVERIFY(bench.csv().mid(log.size()).startsWith(line_end + "Charge Number:               2\n"));
 }
 
 void SharedLogTest::a_log_that_cannot_be_read_is_left_as_it_is_data()
