@@ -101,6 +101,8 @@ void LoadFailuresTest::a_file_that_cannot_be_written_is_not_loaded()
     QCOMPARE(boxes_of(bench), error(UNWRITABLE));
     QVERIFY(in_start_state(*bench.station));
     QCOMPARE(content_of(path), sample_log("current_one_cycle.csv"));
+    // Without a data log no event log is begun.
+    QCOMPARE(QFile::exists(bench.path("logs/a.txt")), protected_name.endsWith(".txt"));
     QVERIFY(QDir(bench.path("logs")).removeRecursively());
 }
 
