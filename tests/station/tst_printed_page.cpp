@@ -27,6 +27,8 @@ private slots:
     void the_image_reaches_from_margin_to_margin();
     void odd_readings_leave_a_page_data();
     void odd_readings_leave_a_page();
+    void a_log_of_odd_numbers_leaves_a_page_data();
+    void a_log_of_odd_numbers_leaves_a_page();
     void the_page_looks_as_expected_data();
     void the_page_looks_as_expected();
 };
@@ -185,6 +187,36 @@ void PrintedPageTest::odd_readings_leave_a_page()
     TestCycle* const cycle = report.add_cycle({1.0, 1, 60.0, true});
     cycle->current_vs_amphours.add(2.0, amps);
     cycle->internal_resistance.add(2.0, milliohms);
+    report.generate();
+    const PdfFile pdf(report.pdf_path());
+    QCOMPARE(pdf.info("Pages"), QString("1"));
+    QVERIFY(!pdf.box_of("Avg. Int. Resistance").isNull());
+    QVERIFY(!pdf.box_of("Software Version:").isNull());
+    QCOMPARE(pdf.rendered(36).size(), QSize(306, 396));
+}
+
+void PrintedPageTest::a_log_of_odd_numbers_leaves_a_page_data()
+{
+    QTest::addColumn<double>("amp_hours");
+    QTest::addColumn<double>("volts");
+    for (const double odd : {qQNaN(), qInf(), -1e300}) {
+        QTest::addRow("%g amp-hours", odd) << odd << 25.0;
+        QTest::addRow("%g volts", odd) << 2.0 << odd;
+        QTest::addRow("%g of both", odd) << odd << odd;
+    }
+}
+
+void PrintedPageTest::a_log_of_odd_numbers_leaves_a_page()
+{
+    QFETCH(double, amp_hours);
+    QFETCH(double, volts);
+    ReportBench report;
+    TestCycle* const cycle = report.add_cycle({1.0, 1, 60.0, true});
+    cycle->amp_hours = amp_hours;
+    cycle->watt_hours = volts;
+    cycle->voltage_vs_amphours.add(amp_hours, volts);
+    cycle->current_vs_amphours.add(amp_hours, 2.0);
+    cycle->internal_resistance.add(amp_hours, 60.0);
     report.generate();
     const PdfFile pdf(report.pdf_path());
     QCOMPARE(pdf.info("Pages"), QString("1"));
