@@ -123,8 +123,9 @@ void MainWindow::set_up_charts()
 
 void MainWindow::set_chart_refresh_interval()
 {
-    // The file may have been edited by hand: a rate of 0 must not end the program.
-    chart_refresh_timer.setInterval(1000 / qMax(1, Settings::get_chart_refresh_rate()));
+    // The file may have been edited by hand: a rate of 0 must not end the program, nor one of
+    // thousands take a whole core.
+    chart_refresh_timer.setInterval(1000 / qBound(1, Settings::get_chart_refresh_rate(), 1000));
 }
 
 void MainWindow::slot_refresh_charts()
