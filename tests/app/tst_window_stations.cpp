@@ -15,6 +15,7 @@ class WindowStationsTest : public QObject
 
 private slots:
     void init();
+    void only_the_first_tick_of_the_process_measures_without_a_panel();
     void unset_directories_are_asked_for();
     void a_refused_directory_question_ends_the_operation();
     void a_lone_dot_counts_as_no_directory();
@@ -37,6 +38,19 @@ private slots:
 void WindowStationsTest::init()
 {
     TestStation::num_previews = 0;
+}
+
+// Must stay the first of all cases: there is one first tick in a process.
+void WindowStationsTest::only_the_first_tick_of_the_process_measures_without_a_panel()
+{
+    WindowBench bench;
+    const auto* column = bench.window->findChild<QWidget*>("frNewStation");
+    Settings::set_test_station_width_px(321);
+    bench.window->slot_blink();
+    QCOMPARE(column->minimumWidth(), 321);
+    Settings::set_test_station_width_px(432);
+    bench.window->slot_blink();
+    QCOMPARE(column->minimumWidth(), 321);
 }
 
 void WindowStationsTest::unset_directories_are_asked_for()
