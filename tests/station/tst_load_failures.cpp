@@ -43,7 +43,7 @@ void LoadFailuresTest::a_path_without_a_dot_cannot_be_loaded()
 {
     StationBench bench;
     bring_to(bench, PHASE_CHARGING);
-    const QString path = place_log(bench, "current_one_cycle.csv", "log");
+    const QString path = place_log(bench, "current_one_cycle.csv", "log %2");
     QVERIFY(!path.contains('.'));
     bench.answers.seen.clear();
     bench.answers.click(QMessageBox::Yes);
