@@ -22,6 +22,7 @@ void TestStation::set_up_all_cycles_checkbox()
 {
     all_cycles_checkbox.setTristate(true);
     all_cycles_checkbox.setCheckState(Qt::Checked);
+    all_cycles_checkbox.setAccessibleName("All");
     connect(&all_cycles_checkbox, &QCheckBox::clicked, this,
             &TestStation::slot_all_cycles_checkbox_clicked);
 }
@@ -33,6 +34,7 @@ void TestStation::set_up_color_combobox()
     // A style sheet set before the box is polished would leave its size to the one after it.
     color_combobox.ensurePolished();
     repopulate_color_combobox();
+    color_combobox.setAccessibleName("Color");
     color_combobox.setItemDelegate(&selection_killer_delegate);
     color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
     connect(&color_combobox, qOverload<int>(&QComboBox::currentIndexChanged), this,
