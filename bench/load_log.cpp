@@ -1,6 +1,7 @@
 #include "bench_station.h"
 #include "bench_table.h"
 
+#include "common/number_row.h"
 #include "station/log_format.h"
 #include "station/test_station.h"
 
@@ -54,8 +55,10 @@ void write_log(const QString& path)
     stream << log_header();
     for (int row = 0; row < ROWS; ++row) {
         const double ir = row % ROWS_PER_RESISTANCE == 0 ? 0.014 : 0.0;
-        stream << LogFormat::discharge_row(row * 1.003, row * 0.0027731, 41.0 - 0.01 * (row % 700),
-                                           9.8 + 0.1 * (row % 4), ir);
+        NumberRow text;
+        LogFormat::put_discharge_row(text, row * 1.003, row * 0.0027731, 41.0 - 0.01 * (row % 700),
+                                     9.8 + 0.1 * (row % 4), ir);
+        stream << text.view();
     }
 }
 
@@ -130,7 +133,6 @@ public:
     LoadLogBench() : path(folder.filePath("log.csv"))
     {
         use_bench_settings(folder.path());
-        load_bench_help();
         station = std::make_unique<TestStation>(nullptr, nullptr);
         write_log(path);
     }

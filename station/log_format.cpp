@@ -2,7 +2,7 @@
 
 #include "common/build_info.h"
 #include "common/date_time.h"
-#include "common/fixed_decimal.h"
+#include "common/number_row.h"
 
 namespace LogFormat
 {
@@ -67,32 +67,29 @@ QString discharge_section_header(const Section& section)
            "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)\n";
 }
 
-QString charge_row(double time, double voltage)
+void put_charge_row(NumberRow& row, double time, double voltage)
 {
-    TextBuffer row;
-    append_fixed(row, time, 1);
-    row.append(',');
-    append_fixed(row, voltage, 2);
-    row.append('\n');
-    return QString(row.constData(), row.size());
+    row.prepend('\n');
+    row.prepend_fixed(voltage, 2);
+    row.prepend(',');
+    row.prepend_fixed(time, 1);
 }
 
-QString discharge_row(double time, double amp_hours, double voltage, double current, double ir)
+void put_discharge_row(NumberRow& row, double time, double amp_hours, double voltage,
+                       double current, double ir)
 {
-    TextBuffer row;
-    append_fixed(row, time, 1);
-    row.append(',');
-    append_fixed(row, amp_hours, 3);
-    row.append(',');
-    append_fixed(row, voltage, 2);
-    row.append(',');
-    append_fixed(row, current, 2);
+    row.prepend('\n');
     if (ir != 0.0) {
-        row.append(',');
-        append_fixed(row, ir, 3);
+        row.prepend_fixed(ir, 3);
+        row.prepend(',');
     }
-    row.append('\n');
-    return QString(row.constData(), row.size());
+    row.prepend_fixed(current, 2);
+    row.prepend(',');
+    row.prepend_fixed(voltage, 2);
+    row.prepend(',');
+    row.prepend_fixed(amp_hours, 3);
+    row.prepend(',');
+    row.prepend_fixed(time, 1);
 }
 
 QString event_line(const QDateTime& time, const QString& text)

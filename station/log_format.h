@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+class NumberRow;
+
 /** The texts of the two logs, to the byte: what a test writes, apart from when and where. */
 namespace LogFormat
 {
@@ -29,15 +31,17 @@ QString charge_section_header(const Section& section);
 /** Head and column titles of a discharge. */
 QString discharge_section_header(const Section& section);
 
-/** One row of a charge: seconds since the section began, volts. */
-QString charge_row(double time, double voltage);
+/** One row of a charge into an empty `row`: seconds since the section began, volts. */
+void put_charge_row(NumberRow& row, double time, double voltage);
 
 /**
- * One row of a discharge: seconds since the section began, amp-hours so far, volts, amps.
+ * One row of a discharge into an empty `row`: seconds since the section began, amp-hours so far, volts,
+ * amps.
  *
  * @param ir ohms, although the column's title says milliohms; left out when it is exactly 0.0
  */
-QString discharge_row(double time, double amp_hours, double voltage, double current, double ir);
+void put_discharge_row(NumberRow& row, double time, double amp_hours, double voltage,
+                       double current, double ir);
 
 /** One line of the event log. */
 QString event_line(const QDateTime& time, const QString& text);

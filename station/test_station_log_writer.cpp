@@ -5,6 +5,7 @@
 #include "common/date_time.h"
 #include "common/file.h"
 #include "common/message_boxes.h"
+#include "common/number_row.h"
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "dialogs/preexisting_log_file_dialog.h"
@@ -28,7 +29,7 @@ struct LogPaths
 };
 
 /** In the file when the call returns: the stream lives for this one record. */
-void write_record(QFile* file, const QString& text)
+void write_record(QFile* file, QStringView text)
 {
     if (file == nullptr)
         return;
@@ -45,7 +46,7 @@ void end_cut_line(QFile* file)
     char last = '\n';
     file->getChar(&last);
     if (last != '\n')
-        write_record(file, "\n");
+        write_record(file, u"\n");
 }
 
 LogFormat::Section section_of(const TestStation& station, int number, const QDateTime& start)
@@ -162,13 +163,17 @@ void TestStation::write_discharge_cycle_header()
 
 void TestStation::append_data_log(double time, double voltage)
 {
-    write_record(data_log, LogFormat::charge_row(time, voltage));
+    NumberRow row;
+    LogFormat::put_charge_row(row, time, voltage);
+    write_record(data_log, row.view());
 }
 
 void TestStation::append_data_log(double time, double amp_hours, double voltage, double current,
                                   double ir)
 {
-    write_record(data_log, LogFormat::discharge_row(time, amp_hours, voltage, current, ir));
+    NumberRow row;
+    LogFormat::put_discharge_row(row, time, amp_hours, voltage, current, ir);
+    write_record(data_log, row.view());
 }
 
 void TestStation::append_text_log(const QString& text)

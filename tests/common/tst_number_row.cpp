@@ -1,4 +1,4 @@
-#include "common/fixed_decimal.h"
+#include "common/number_row.h"
 
 #include <QtTest>
 
@@ -33,20 +33,21 @@ double double_of_bits(quint64 bits)
 }
 }  // namespace
 
-class FixedDecimalTest : public QObject
+class NumberRowTest : public QObject
 {
     Q_OBJECT
 
 private slots:
     void a_number_is_written_as_the_toolkit_writes_it_data();
     void a_number_is_written_as_the_toolkit_writes_it();
-    void a_number_is_appended_to_what_is_there();
+    void numbers_are_put_in_front_of_what_is_there();
+    void five_of_the_longest_numbers_fit_in_a_row();
     void numbers_of_every_size_are_written_as_the_toolkit_writes_them();
     void doubles_of_any_bits_are_written_as_the_toolkit_writes_them();
     void halves_and_their_neighbours_are_written_as_the_toolkit_writes_them();
 };
 
-void FixedDecimalTest::a_number_is_written_as_the_toolkit_writes_it_data()
+void NumberRowTest::a_number_is_written_as_the_toolkit_writes_it_data()
 {
     QTest::addColumn<double>("value");
     QTest::addColumn<int>("decimals");
@@ -73,7 +74,7 @@ void FixedDecimalTest::a_number_is_written_as_the_toolkit_writes_it_data()
     QTest::newRow("not a number") << std::numeric_limits<double>::quiet_NaN() << 2 << "nan";
 }
 
-void FixedDecimalTest::a_number_is_written_as_the_toolkit_writes_it()
+void NumberRowTest::a_number_is_written_as_the_toolkit_writes_it()
 {
     QFETCH(double, value);
     QFETCH(int, decimals);
@@ -82,16 +83,31 @@ void FixedDecimalTest::a_number_is_written_as_the_toolkit_writes_it()
     QVERIFY(agrees(value));
 }
 
-void FixedDecimalTest::a_number_is_appended_to_what_is_there()
+void NumberRowTest::numbers_are_put_in_front_of_what_is_there()
 {
-    TextBuffer row;
-    append_fixed(row, 12.0, 1);
-    row.append(',');
-    append_fixed(row, 1e300, 2);
-    QCOMPARE(QString(row.constData(), row.size()), "12.0," + QString::number(1e300, 'f', 2));
+    NumberRow row;
+    QCOMPARE(row.view().toString(), QString());
+    row.prepend('\n');
+    row.prepend_fixed(41.523, 2);
+    row.prepend(',');
+    row.prepend_fixed(-12.0, 1);
+    QCOMPARE(row.view().toString(), QString("-12.0,41.52\n"));
 }
 
-void FixedDecimalTest::numbers_of_every_size_are_written_as_the_toolkit_writes_them()
+void NumberRowTest::five_of_the_longest_numbers_fit_in_a_row()
+{
+    const double longest = -std::numeric_limits<double>::max();
+    NumberRow row;
+    QString text;
+    for (int i = 0; i < 5; ++i) {
+        row.prepend(',');
+        row.prepend_fixed(longest, 3);
+        text += QString::number(longest, 'f', 3) + ',';
+    }
+    QCOMPARE(row.view().toString(), text);
+}
+
+void NumberRowTest::numbers_of_every_size_are_written_as_the_toolkit_writes_them()
 {
     std::mt19937_64 random(20200403);
     std::uniform_real_distribution<double> mantissa(-1.0, 1.0);
@@ -100,14 +116,14 @@ void FixedDecimalTest::numbers_of_every_size_are_written_as_the_toolkit_writes_t
             QVERIFY(agrees(std::ldexp(mantissa(random), exponent)));
 }
 
-void FixedDecimalTest::doubles_of_any_bits_are_written_as_the_toolkit_writes_them()
+void NumberRowTest::doubles_of_any_bits_are_written_as_the_toolkit_writes_them()
 {
     std::mt19937_64 random(915);
     for (int i = 0; i < 3000; ++i)
         QVERIFY(agrees(double_of_bits(random())));
 }
 
-void FixedDecimalTest::halves_and_their_neighbours_are_written_as_the_toolkit_writes_them()
+void NumberRowTest::halves_and_their_neighbours_are_written_as_the_toolkit_writes_them()
 {
     std::mt19937_64 random(1042);
     for (const double scale : {1.0, 10.0, 100.0, 1000.0, 16.0, 2048.0}) {
@@ -122,5 +138,5 @@ void FixedDecimalTest::halves_and_their_neighbours_are_written_as_the_toolkit_wr
     }
 }
 
-QTEST_GUILESS_MAIN(FixedDecimalTest)
-#include "tst_fixed_decimal.moc"
+QTEST_GUILESS_MAIN(NumberRowTest)
+#include "tst_number_row.moc"

@@ -1,4 +1,4 @@
-#include "common/fixed_decimal.h"
+#include "common/number_row.h"
 
 #include <climits>
 #include <cmath>
@@ -12,7 +12,6 @@ constexpr int MAX_DECIMALS = int(std::size(POWERS_OF_TEN)) - 1;
 constexpr int FRACTION_BITS = 52;
 constexpr int EXPONENT_OF_ONE = 1023;
 constexpr quint64 HIDDEN_BIT = quint64(1) << FRACTION_BITS;
-constexpr int LONGEST = 24;  // characters: sign, 19 digits and point
 
 // From 2^52 on a double is a whole number, which is left to the toolkit.
 constexpr auto TOO_LARGE = double(HIDDEN_BIT);
@@ -35,46 +34,47 @@ quint64 scaled(double value, int decimals)
     const quint64 product = mantissa * POWERS_OF_TEN[decimals];
     return (product >> shift) + (product >> (shift - 1) & 1);
 }
-
-/** Writes from the end backwards. @return the first character */
-template <typename Number> QChar* write_digits(QChar* at, Number number, int decimals)
-{
-    for (int i = 0; i < decimals; ++i, number /= 10)
-        *--at = QChar(ushort('0' + number % 10));
-    if (decimals != 0)
-        *--at = '.';
-    do {
-        *--at = QChar(ushort('0' + number % 10));
-        number /= 10;
-    } while (number != 0);
-    return at;
-}
 }  // namespace
 
-void append_fixed(TextBuffer& text, double value, int decimals)
+void NumberRow::prepend_fixed(double value, int decimals)
 {
     const bool negative_zero = value == 0.0 && std::signbit(value);
     // Written so that what is no number goes the toolkit's way too.
     const bool is_usual = std::fabs(value) < TOO_LARGE && !negative_zero;
     if (!is_usual || decimals < 0 || decimals > MAX_DECIMALS) {
-        const QString number = QString::number(value, 'f', decimals);
-        text.append(number.constData(), number.size());
+        const QString text = QString::number(value, 'f', decimals);
+        Q_ASSERT(text.size() <= begin - characters);
+        begin -= text.size();
+        std::memcpy(begin, text.utf16(), size_t(text.size()) * sizeof *begin);
         return;
     }
-    QChar digits[LONGEST];
-    QChar* const end = digits + LONGEST;
     const quint64 number = scaled(std::fabs(value), decimals);
     // Half as wide where it will do, as it nearly always does: division takes the time here.
-    QChar* begin = number <= UINT_MAX ? write_digits(end, quint32(number), decimals)
-                                      : write_digits(end, number, decimals);
+    if (number <= UINT_MAX)
+        prepend_digits(quint32(number), decimals);
+    else
+        prepend_digits(number, decimals);
     if (value < 0.0)
-        *--begin = '-';
-    text.append(begin, int(end - begin));
+        prepend('-');
+}
+
+template <typename Number> void NumberRow::prepend_digits(Number number, int decimals)
+{
+    char16_t* at = begin;
+    for (int i = 0; i < decimals; ++i, number /= 10)
+        *--at = char16_t('0' + number % 10);
+    if (decimals != 0)
+        *--at = '.';
+    do {
+        *--at = char16_t('0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    begin = at;
 }
 
 QString fixed_decimal(double value, int decimals)
 {
-    TextBuffer text;
-    append_fixed(text, value, decimals);
-    return QString(text.constData(), text.size());
+    NumberRow number;
+    number.prepend_fixed(value, decimals);
+    return number.view().toString();
 }
