@@ -22,7 +22,6 @@ void TestStation::set_up_all_cycles_checkbox()
 {
     all_cycles_checkbox.setTristate(true);
     all_cycles_checkbox.setCheckState(Qt::Checked);
-    all_cycles_checkbox.setAccessibleName("All");
     connect(&all_cycles_checkbox, &QCheckBox::clicked, this,
             &TestStation::slot_all_cycles_checkbox_clicked);
 }
@@ -33,10 +32,12 @@ void TestStation::set_up_color_combobox()
 {
     // A style sheet set before the box is polished would leave its size to the one after it.
     color_combobox.ensurePolished();
+    // Its width is pinned: its ten items need not be measured each time that its style changes.
+    color_combobox.setMinimumContentsLength(1);
     repopulate_color_combobox();
-    color_combobox.setAccessibleName("Color");
-    color_combobox.setItemDelegate(&selection_killer_delegate);
+    // Before the delegate, which makes the box's list: the list's many parts need no polish then.
     color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
+    color_combobox.setItemDelegate(&selection_killer_delegate);
     connect(&color_combobox, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &TestStation::slot_color_change);
     color_combobox.setCurrentIndex(0);
