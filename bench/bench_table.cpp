@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -26,9 +27,9 @@ std::string text(const char* format, double value, const char* unit)
 /** Three digits that mean something; nanoseconds in large numbers turn into larger units. */
 std::string figure(double value, std::string unit)
 {
-    for (const char* larger : {"us", "ms"}) {
-        if ((unit != "ns" && unit != "us") || value < 10000.0)
-            break;
+    for (const auto& [smaller, larger] : {std::pair("ns", "us"), std::pair("us", "ms")}) {
+        if (unit != smaller || value < 10000.0)
+            continue;
         value /= 1000.0;
         unit = larger;
     }
