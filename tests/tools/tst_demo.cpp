@@ -4,6 +4,7 @@
 #include "device/serial_ports.h"
 #include "station/test_station.h"
 #include "support/console_capture.h"
+#include "support/help_document.h"
 #include "support/settings_home.h"
 
 #include <QApplication>
@@ -50,6 +51,7 @@ void DemoTest::cleanup()
 {
     Time::set_clock({});
     SerialPorts::set_source({});
+    forget_help_document();
 }
 
 void DemoTest::an_unattended_run_ends_with_an_error_if_its_station_is_closed_data()
