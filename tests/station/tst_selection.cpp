@@ -96,6 +96,7 @@ class SelectionTest : public QObject
     Q_OBJECT
 
 private slots:
+    void a_new_box_is_as_high_as_its_colours_make_it();
     void init();
     void the_widgets_have_no_parent_before_the_window_places_them();
     void a_new_station_is_black();
@@ -124,6 +125,16 @@ private slots:
 
     void the_label_follows_what_is_typed();
 };
+
+void SelectionTest::a_new_box_is_as_high_as_its_colours_make_it()
+{
+    StationBench bench;
+    QComboBox plain;
+    plain.addItem("S7");
+    plain.setStyleSheet(bench.station->color_combobox.styleSheet());
+    QCOMPARE(bench.station->color_combobox.minimumSizeHint().height(),
+             plain.minimumSizeHint().height());
+}
 
 void SelectionTest::init()
 {
