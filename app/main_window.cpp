@@ -6,6 +6,7 @@
 #include "charts/paint_box.h"
 #include "config/battery_profiles.h"
 #include "config/settings.h"
+#include "config/tool_tips.h"
 #include "dialogs/edit_settings_dialog.h"
 #include "station/test_station.h"
 
@@ -29,7 +30,9 @@ MainWindow::MainWindow(QWidget* parent)
 {
     if (!Settings::load() || !BatteryProfiles::load())
         std::exit(1);
+    ToolTips::load(":/help.html");
     ui->setupUi(this);
+    ToolTips::assign(ui->pbNewTestStation, 62);
     set_up_chart_boxes();
     set_up_chart_controls();
     set_up_charts();

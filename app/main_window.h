@@ -37,6 +37,11 @@ public slots:
 private slots:
     void on_actionSettings_triggered();
 
+    // ---- main_window_dialogs.cpp: what the help menu opens ------------------
+    void on_actionHelp_triggered();
+    void on_actionAbout_triggered();
+    void on_actionWidget_Font_Debug_Dialog_triggered();
+
     // ---- main_window_stations.cpp: adding, sorting and closing stations -----
 public:
     /** Makes the left column exactly as wide as a panel, or half the window before one was seen. */

@@ -70,6 +70,7 @@ void MainWindow::place_stations(WidgetGrid& grid, int max_cycles)
         grid.set_widget(row, ALL_COLUMN, &station->all_cycles_checkbox);
         int column = FIRST_CYCLE_COLUMN;
         for (TestCycle* cycle : qAsConst(station->cycles)) {
+            cycle->checkbox.setAccessibleName(QString("Cycle %1").arg(column - ALL_COLUMN));
             grid.set_widget(row, column++, &cycle->checkbox);
             // Made again at each rebuild: that a click then refreshes more than once does no harm.
             connect(&cycle->checkbox, &QAbstractButton::clicked, this,

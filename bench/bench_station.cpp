@@ -2,6 +2,7 @@
 
 #include "common/date_time.h"
 #include "config/settings.h"
+#include "config/tool_tips.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
 
@@ -55,6 +56,12 @@ void use_bench_settings(const QString& directory)
         qFatal("The settings of the bench cannot be saved.");
 }
 
+void load_bench_help()
+{
+    if (ToolTips::tooltips.isEmpty())
+        ToolTips::load(":/help.html");
+}
+
 void begin_discharge(TestStation& station, const QString& name, const QString& serial_number)
 {
     station.profile_name = name;
@@ -70,6 +77,7 @@ void begin_discharge(TestStation& station, const QString& name, const QString& s
 BenchStation::BenchStation(const QString& serial_number)
 {
     use_bench_settings(folder.path());
+    load_bench_help();
     Time::set_clock(bench_clock);
     instrument = new Kestrometer("no such port");
     station = std::make_unique<TestStation>(nullptr, instrument);

@@ -11,6 +11,9 @@ class TestStation;
 /** Settings of their own for a bench, so that the user's are neither read nor written. */
 void use_bench_settings(const QString& directory);
 
+/** The tooltips of the panels; a window loads them itself. */
+void load_bench_help();
+
 /** Opens the logs and takes the test to its first discharge, as the operator would by two clicks. */
 void begin_discharge(TestStation& station, const QString& name, const QString& serial_number);
 

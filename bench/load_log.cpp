@@ -133,6 +133,7 @@ public:
     LoadLogBench() : path(folder.filePath("log.csv"))
     {
         use_bench_settings(folder.path());
+        load_bench_help();
         station = std::make_unique<TestStation>(nullptr, nullptr);
         write_log(path);
     }

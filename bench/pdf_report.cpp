@@ -69,6 +69,7 @@ struct Bench
     Bench() : bare_path(folder.filePath("bare.pdf")), path(folder.filePath("Pack A_1042.pdf"))
     {
         use_bench_settings(folder.path());
+        load_bench_help();
         QDesktopServices::setUrlHandler("file", &no_viewer, "slot_open");
         dress(TestStation::voltage_vs_amphours_chart, "Voltage vs. Amp-Hours", "Voltage (V)");
         dress(TestStation::internal_resistance_chart, "Internal Resistance vs. Amp-Hours",

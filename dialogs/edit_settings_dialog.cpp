@@ -5,6 +5,7 @@
 #include "common/message_boxes.h"
 #include "common/widget_sizing.h"
 #include "config/settings.h"
+#include "config/tool_tips.h"
 #include "station/test_station.h"
 
 #include <QDir>
@@ -44,6 +45,7 @@ EditSettingsDialog::EditSettingsDialog(QWidget* parent)
                          ui->laHeaderImageCaption, ui->laChartRefreshRateCaption},
                         ui->laLogDirectory->height());
     show_settings();
+    set_tooltips();
     set_widget_sizes();
 }
 
@@ -60,6 +62,20 @@ void EditSettingsDialog::show_settings()
     ui->cbShowDebugInformation->setChecked(Settings::get_show_debug_info());
     ui->cbLogAllTelemetry->setChecked(Settings::get_log_all_telemetry());
     ui->cbCopyLogs->setChecked(Settings::get_copy_logs());
+}
+
+void EditSettingsDialog::set_tooltips()
+{
+    ToolTips::assign(ui->laLogDirectory, 16);
+    ToolTips::assign(ui->pbChangeLogDirectory, 17);
+    ToolTips::assign(ui->laPDFDirectory, 18);
+    ToolTips::assign(ui->pbChangePDFDirectory, 19);
+    ToolTips::assign(ui->laHeaderImageFilename, 20);
+    ToolTips::assign(ui->pbChangeHeaderImageFile, 21);
+    ToolTips::assign(ui->sbChartRefreshRate, 22);
+    ToolTips::assign(ui->cbShowDebugInformation, 23);
+    ToolTips::assign(ui->cbLogAllTelemetry, 64);
+    ToolTips::assign(ui->cbCopyLogs, 65);
 }
 
 void EditSettingsDialog::set_widget_sizes()

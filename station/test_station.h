@@ -165,6 +165,7 @@ private slots:
     // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
 public:
     void set_widget_sizes();
+    void set_tooltips();  ///< each control's help; test_station_tooltips.cpp
 
 private:
     void set_up_panel();
@@ -182,7 +183,6 @@ public slots:
 private:
     void show_start_skip(StartSkip button);
     void show_internal_resistance();
-
     int shown_resistances = -1;  ///< points behind the mean that the panel shows; -1 for none yet
 
     // ---- test_station_selection.cpp: the station's row above the charts ------

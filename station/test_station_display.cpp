@@ -9,6 +9,7 @@
 #include "common/unicode.h"
 #include "common/widget_colors.h"
 #include "config/settings.h"
+#include "config/tool_tips.h"
 #include "device/kestrometer.h"
 
 namespace
@@ -99,11 +100,13 @@ void show_current(const TestStation& station, const QDateTime& now)
     case PHASE_IR_TEST:
     case PHASE_IR_RECOVERY:
         station.ui->laCurrent->setText(number(station.kestrometer->current, 2, " A"));
+        ToolTips::assign(station.ui->laCurrent, 57);
         break;
     case PHASE_CHARGING:
     case PHASE_CHARGING_LEVELED:
     case PHASE_FINAL_CHARGE:
         station.ui->laCurrent->setText(format_time_span(station.leg_start_time.secsTo(now)));
+        ToolTips::assign(station.ui->laCurrent, 58);
         break;
     case PHASE_IDLE:
     case PHASE_FULL_CHARGE_TEST:

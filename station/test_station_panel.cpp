@@ -142,6 +142,7 @@ void TestStation::set_up_panel()
         ui->leSerialNumber->setEnabled(false);
     set_summary_fonts(*ui);
     set_widget_sizes();
+    set_tooltips();
     log_dir = Settings::get_log_dir();
     set_elided_text(ui->laDirectory, log_dir, QString());
 }

@@ -5,6 +5,7 @@
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
+#include "support/help_document.h"
 #include "support/station_bench.h"
 
 #include <QBoxLayout>
@@ -20,6 +21,7 @@ ChartWindow::ChartWindow()
 {
     TestStation::num_previews = 0;
     load_test_settings(folder.path());
+    forget_help_document();
     window = std::make_unique<MainWindow>(nullptr);
     // The window has loaded the settings anew.
     Settings::set_log_dir(folder.path());

@@ -4,6 +4,7 @@
 #include "charts/paint_box.h"
 #include "config/settings.h"
 #include "station/test_station.h"
+#include "support/help_document.h"
 #include "support/station_bench.h"
 
 #include <QAction>
@@ -214,6 +215,7 @@ void ChartSetUpTest::the_refresh_rate_comes_from_the_settings()
     QFETCH(int, interval);
     const QTemporaryDir folder;
     load_test_settings(folder.path());
+    forget_help_document();
     Settings::set_chart_refresh_rate(rate);
     QVERIFY(Settings::save());
     const MainWindow window(nullptr);

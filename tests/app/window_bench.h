@@ -6,6 +6,7 @@
 #include "device/serial_ports.h"
 #include "dialogs/add_test_station_dialog.h"
 #include "station/test_station.h"
+#include "support/help_document.h"
 #include "support/modal_answer.h"
 #include "support/station_bench.h"
 #include "support/wire.h"
@@ -30,6 +31,7 @@ struct WindowBench
     WindowBench()
     {
         load_test_settings(folder.path());
+        forget_help_document();
         window = std::make_unique<MainWindow>(nullptr);
         // The window has loaded the settings anew.
         Settings::set_log_dir(folder.path());

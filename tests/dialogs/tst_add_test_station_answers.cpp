@@ -3,6 +3,7 @@
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
+#include "support/help_document.h"
 #include "support/modal_answer.h"
 #include "support/port_dialog_bench.h"
 #include "support/wire.h"
@@ -63,6 +64,7 @@ private slots:
 void AddTestStationAnswersTest::initTestCase()
 {
     QVERIFY(Settings::load());
+    load_help_document();
 }
 
 void AddTestStationAnswersTest::ok_accepts_a_preview()

@@ -4,6 +4,7 @@
 #include "device/kestrometer.h"
 #include "station/test_station.h"
 #include "support/form_slots.h"
+#include "support/help_document.h"
 #include "support/modal_answer.h"
 #include "support/port_dialog_bench.h"
 #include "support/wire.h"
@@ -50,6 +51,7 @@ private slots:
 void AddTestStationDialogTest::initTestCase()
 {
     QVERIFY(Settings::load());
+    load_help_document();
 }
 
 void AddTestStationDialogTest::the_form_has_the_widgets_in_their_places()

@@ -3,6 +3,7 @@
 #include "support/station_bench.h"
 
 #include "config/settings.h"
+#include "config/tool_tips.h"
 #include "device/kestrometer.h"
 
 #include <QCheckBox>
@@ -27,7 +28,7 @@ private slots:
     void save_is_enabled_on_every_new_panel();
     void messages_that_show_at_first();
     void the_raw_status_shows_on_request_at_live_stations_only();
-    void the_identity_has_the_port_as_its_tooltip();
+    void the_port_is_no_tooltip_once_there_is_help();
     void profiles_begin_with_the_placeholder();
     void previews_are_numbered_and_numbers_not_reused();
     void stations_are_listed_while_they_live();
@@ -159,11 +160,12 @@ void PanelSetUpTest::the_raw_status_shows_on_request_at_live_stations_only()
     QVERIFY(preview.findChild<QLabel*>("laKestrometerStatus")->isHidden());
 }
 
-void PanelSetUpTest::the_identity_has_the_port_as_its_tooltip()
+void PanelSetUpTest::the_port_is_no_tooltip_once_there_is_help()
 {
     StationBench bench;
-    QCOMPARE(bench.widget<QLabel>("laStationID")->toolTip(), bench.wire.port_name());
-    QCOMPARE(PreviewBench().widget<QLabel>("laStationID")->toolTip(), QString("Preview Only"));
+    const QString help = "<qt>" + ToolTips::tooltips.value(28) + "</qt>";
+    QCOMPARE(bench.widget<QLabel>("laStationID")->toolTip(), help);
+    QCOMPARE(PreviewBench().widget<QLabel>("laStationID")->toolTip(), help);
 }
 
 void PanelSetUpTest::profiles_begin_with_the_placeholder()

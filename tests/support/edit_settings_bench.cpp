@@ -1,6 +1,7 @@
 #include "support/edit_settings_bench.h"
 
 #include "config/settings.h"
+#include "support/help_document.h"
 
 #include <QDir>
 #include <QLabel>
@@ -14,6 +15,7 @@ EditSettingsBench::EditSettingsBench(QByteArray content)
     content.replace("%1", folder.path().toLocal8Bit());
     if (!home.put_file(content) || !Settings::load())
         qFatal("The settings of the test cannot be made.");
+    load_help_document();
     dialog = std::make_unique<EditSettingsDialog>(nullptr);
     dialog->show();
 }

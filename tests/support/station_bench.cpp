@@ -3,6 +3,7 @@
 #include "config/settings.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
+#include "support/help_document.h"
 #include "support/profile_file.h"
 
 #include <QFile>
@@ -16,6 +17,7 @@ void load_test_settings(const QString& directory)
     if (!Settings::load())
         qFatal("The settings of the test cannot be made.");
     forget_profiles();
+    load_help_document();
     Settings::set_log_dir(directory);
     Settings::set_pdf_dir(directory);
 }
