@@ -30,17 +30,17 @@ void TestStation::set_up_all_cycles_checkbox()
 // and gives the new station its colour.
 void TestStation::set_up_color_combobox()
 {
-    // A style sheet set before the box is polished would leave its size to the one after it.
-    color_combobox.ensurePolished();
     // Its width is pinned: its ten items need not be measured each time that its style changes.
     color_combobox.setMinimumContentsLength(1);
     repopulate_color_combobox();
-    // Before the delegate, which makes the box's list: the list's many parts need no polish then.
-    color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
     color_combobox.setItemDelegate(&selection_killer_delegate);
+    color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
     connect(&color_combobox, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &TestStation::slot_color_change);
     color_combobox.setCurrentIndex(0);
+    // Only now, as each sheet of a polished box is worked out for all parts of its list as well; but
+    // before anybody asks for its size, which would be that of the first sheet.
+    color_combobox.ensurePolished();
 }
 
 void TestStation::slot_all_cycles_checkbox_clicked()
