@@ -22,6 +22,7 @@ void TestStation::set_up_all_cycles_checkbox()
 {
     all_cycles_checkbox.setTristate(true);
     all_cycles_checkbox.setCheckState(Qt::Checked);
+    all_cycles_checkbox.setAccessibleName("All");
     connect(&all_cycles_checkbox, &QCheckBox::clicked, this,
             &TestStation::slot_all_cycles_checkbox_clicked);
 }
@@ -33,6 +34,7 @@ void TestStation::set_up_color_combobox()
     // Its width is pinned: its ten items need not be measured each time that its style changes.
     color_combobox.setMinimumContentsLength(1);
     repopulate_color_combobox();
+    color_combobox.setAccessibleName("Color");
     color_combobox.setItemDelegate(&selection_killer_delegate);
     color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
     connect(&color_combobox, qOverload<int>(&QComboBox::currentIndexChanged), this,
