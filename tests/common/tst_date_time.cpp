@@ -81,7 +81,7 @@ void DateTimeTest::a_moment_reads_as_the_clock_on_the_wall_does_data()
     QTest::newRow("summer time in the north") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3");
     QTest::newRow("summer time in the south") << QByteArray("AEST-10AEDT,M10.1.0,M4.1.0/3");
     QTest::newRow("west, half hours") << QByteArray("NST3:30NDT,M3.2.0,M11.1.0");
-    QTest::newRow("east, quarters of an hour") << QByteArray("XXX-5:45");
+    QTest::newRow("east, quarters of an hour") << QByteArray("KTM-5:45");
 }
 
 void DateTimeTest::a_moment_reads_as_the_clock_on_the_wall_does()
