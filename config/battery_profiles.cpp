@@ -154,9 +154,18 @@ bool read_line(const QStringRef& line, BatteryProfile*& current)
     return current != nullptr && read_variable(line, equals_sign, *current);
 }
 
+/**
+ * A name can have been pasted in several lines, which the panel shows with blanks between them. In the
+ * file the second one would be a variable, or nothing, and the program could not start any more.
+ */
+QString in_one_line(QString name)
+{
+    return name.replace('\n', ' ');
+}
+
 void write_profile(QTextStream& stream, BatteryProfile& profile)
 {
-    stream << QString("[%1]\n").arg(profile.description);
+    stream << QString("[%1]\n").arg(in_one_line(profile.description));
     for (const Field& field : FIELDS)
         stream << QString("%1=%2\n").arg(field.key, field.written(profile));
     stream << "\n";

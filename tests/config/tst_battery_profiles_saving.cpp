@@ -26,6 +26,8 @@ private slots:
     void odd_texts_come_back_data();
     void odd_texts_come_back();
     void a_closing_bracket_is_written_and_cuts_the_name();
+    void a_name_of_several_lines_is_written_in_one_data();
+    void a_name_of_several_lines_is_written_in_one();
     void comments_and_words_vanish();
     void a_shorter_file_leaves_nothing_of_the_longer();
     void saving_marks_the_record();
@@ -226,6 +228,33 @@ void BatteryProfilesSavingTest::a_closing_bracket_is_written_and_cuts_the_name()
     QCOMPARE(line(0), QByteArray("[a]b]"));
     load_test_profiles(profile_file_content());
     QCOMPARE(BatteryProfiles::profiles.keys(), QStringList("a"));
+}
+
+void BatteryProfilesSavingTest::a_name_of_several_lines_is_written_in_one_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("read");
+    QTest::newRow("LF") << "a\nb"
+                        << "a b";
+    QTest::newRow("CR LF") << "a\r\nb"
+                           << "a b";
+    QTest::newRow("like a variable") << "a\nnumber_of_cycles=x\n"
+                                     << "a number_of_cycles=x ";
+    QTest::newRow("like another profile") << "a]\n[b"
+                                          << "a";
+}
+
+void BatteryProfilesSavingTest::a_name_of_several_lines_is_written_in_one()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, read);
+    add("Before")->number_of_cycles = 2;
+    add(name)->number_of_cycles = 3;
+    QVERIFY(BatteryProfiles::save());
+    load_test_profiles(profile_file_content());
+    QCOMPARE(profile_text("Before"), QString("Before||2|10800|0|0|no|no|yes|0.5|yes"));
+    QCOMPARE(profile_text(read), read + "||3|10800|0|0|no|no|yes|0.5|yes");
+    QCOMPARE(BatteryProfiles::profiles.size(), 2);
 }
 
 void BatteryProfilesSavingTest::comments_and_words_vanish()

@@ -4,6 +4,7 @@
 
 #include "config/battery_profiles.h"
 
+#include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QtTest>
@@ -30,6 +31,7 @@ private slots:
     void odd_names_are_saved_data();
     void odd_names_are_saved();
     void a_name_with_a_bracket_comes_back_cut();
+    void a_name_pasted_in_two_lines_comes_back_in_one();
     void a_running_test_goes_on_through_a_save();
 };
 
@@ -313,6 +315,20 @@ void ProfileSavingTest::a_name_with_a_bracket_comes_back_cut()
     load_test_profiles(profile_file_content());
     QVERIFY(BatteryProfiles::profiles.contains("a"));
     QVERIFY(!BatteryProfiles::profiles.contains("a]b"));
+}
+
+void ProfileSavingTest::a_name_pasted_in_two_lines_comes_back_in_one()
+{
+    ProfileBench bench;
+    QGuiApplication::clipboard()->setText("Pack C\n36 V = 10s");
+    bench.widget<QLineEdit>("leProfileName")->paste();
+    bench.type("leSerialNumber", "1");
+    bench.press("pbSaveProfile");
+    QVERIFY(bench.answers.seen.empty());
+    // A second line would be taken for a variable, and keep the program from starting.
+    load_test_profiles(profile_file_content());
+    QCOMPARE(BatteryProfiles::get_all_descriptions(),
+             QStringList({"Pack A", "pack b", "Pack C 36 V = 10s", "Plain"}));
 }
 
 void ProfileSavingTest::a_running_test_goes_on_through_a_save()
