@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QTextStream>
 
+#include <cerrno>
+
 namespace
 {
 const QString LINE_END = "\r\n";
@@ -21,6 +23,12 @@ bool is_fatal(QSerialPort::SerialPortError error)
 {
     return error == QSerialPort::ResourceError || error == QSerialPort::ReadError ||
            error == QSerialPort::WriteError;
+}
+
+/** A line that takes no more bytes for now: reported as if it were gone, but its telemetry goes on. */
+bool is_only_full(const QSerialPort& port)
+{
+    return port.errorString() == qt_error_string(EAGAIN);
 }
 }  // namespace
 
@@ -197,6 +205,6 @@ void Kestrometer::log_traffic(const QDateTime& time, const QString& text)
 
 void Kestrometer::slot_port_error(QSerialPort::SerialPortError error)
 {
-    if (is_fatal(error) && port.isOpen())
+    if (is_fatal(error) && !is_only_full(port) && port.isOpen())
         port.close();
 }

@@ -84,6 +84,8 @@ private slots:
     void a_port_that_vanishes_is_closed();
     void a_write_into_nowhere_closes_the_port();
     void a_vanished_port_leaves_others_alone();
+    void commands_that_nobody_takes_wait_and_telemetry_goes_on();
+    void a_port_that_vanishes_with_commands_waiting_is_closed();
 };
 
 void KestrometerCommandsTest::each_state_has_its_command()
@@ -367,6 +369,37 @@ void KestrometerCommandsTest::a_vanished_port_leaves_others_alone()
     QCOMPARE(staying.instrument.state, Charging);
     staying.instrument.set_state(Off);
     QCOMPARE(staying.wire.commands(), QByteArray("O"));
+}
+
+void KestrometerCommandsTest::commands_that_nobody_takes_wait_and_telemetry_goes_on()
+{
+    Bench bench;
+    QSignalSpy errors(&bench.instrument.port, &QSerialPort::errorOccurred);
+    QByteArray sent;
+    while (errors.isEmpty()) {
+        const QByteArray commands(4096, 'C');
+        bench.instrument.send_command(commands);
+        sent += commands;
+    }
+    QCoreApplication::processEvents();
+    QVERIFY(bench.instrument.port.isOpen());
+    QVERIFY(bench.send(REPORTS_CHARGING));
+    QCOMPARE(bench.instrument.state, Charging);
+    QByteArray taken = bench.wire.commands();
+    QVERIFY(taken.size() < sent.size());
+    QVERIFY(spin_until([&] { return bench.instrument.port.bytesToWrite() == 0; }));
+    taken += bench.wire.commands();
+    QCOMPARE(taken, sent);
+}
+
+void KestrometerCommandsTest::a_port_that_vanishes_with_commands_waiting_is_closed()
+{
+    Bench bench;
+    QSignalSpy errors(&bench.instrument.port, &QSerialPort::errorOccurred);
+    while (errors.isEmpty())
+        bench.instrument.send_command(QByteArray(4096, 'C'));
+    bench.wire.hang_up();
+    QVERIFY(spin_until([&] { return !bench.instrument.port.isOpen(); }));
 }
 
 QTEST_MAIN(KestrometerCommandsTest)

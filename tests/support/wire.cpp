@@ -88,7 +88,8 @@ bool Wire::send_bytes(const QByteArray& bytes, Kestrometer& instrument)
 
 QByteArray Wire::commands()
 {
-    QByteArray bytes;
+    // Taken first: a line that is full would not take the marker.
+    QByteArray bytes = terminal.read();
     if (::write(marker_end, MARKER.constData(), size_t(MARKER.size())) != MARKER.size())
         return bytes;
     while (!bytes.endsWith(MARKER)) {
