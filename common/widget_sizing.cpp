@@ -47,6 +47,20 @@ int text_width_limit(const QWidget* widget)
         return available - widget->height();
     return available;
 }
+
+int single_line_width(const QFontMetrics& metrics, const QString& text)
+{
+    return metrics.size(Qt::TextSingleLine, text).width();
+}
+
+/** How many characters are surely too wide, found in long steps: a text may be megabytes too long. */
+int length_beyond(const QString& text, const QFontMetrics& metrics, int width)
+{
+    int length = 1;
+    while (length < text.size() && single_line_width(metrics, text.left(length)) <= width)
+        length *= 2;
+    return qMin(length, text.size());
+}
 }  // namespace
 
 void set_width_to_widest(QList<QWidget*> widgets, int extra)
@@ -82,14 +96,15 @@ void set_elided_text(QLabel* label, QString text, QString tooltip)
     const int available = available_width(label);
     const QFontMetrics metrics(label->font());
     const auto fits = [&](const QString& candidate) {
-        return available > metrics.size(Qt::TextSingleLine, candidate).width();
+        return available > single_line_width(metrics, candidate);
     };
-    if (fits(text)) {
+    const int longest = length_beyond(text, metrics, 2 * available);
+    if (longest == text.size() && fits(text)) {
         label->setText(text);
         label->setToolTip(tooltip);
         return;
     }
-    for (int n = text.size(); n >= 0; --n) {
+    for (int n = longest; n >= 0; --n) {
         const QString cut = text.left(n) + "...";
         if (!fits(cut))
             continue;

@@ -75,6 +75,7 @@ private slots:
     void a_text_that_fits_is_shown_whole();
     void a_text_that_needs_all_the_room_is_cut();
     void a_cut_text_is_the_longest_that_fits();
+    void a_text_of_any_length_is_cut();
     void the_tooltip_of_a_cut_text_begins_with_all_of_it();
     void without_room_for_the_dots_the_label_stays();
     void the_dots_alone_are_shown_if_nothing_else_fits();
@@ -247,6 +248,18 @@ void WidgetSizingTest::a_cut_text_is_the_longest_that_fits()
         QVERIFY(label_width(label, label.text()) < width);
         QVERIFY(label_width(label, text.left(kept + 1) + "...") >= width);
     }
+}
+
+void WidgetSizingTest::a_text_of_any_length_is_cut()
+{
+    const QString longest(1000000, 'x');
+    QLabel label;
+    label.setFixedWidth(200);
+    set_elided_text(&label, QString(100, 'x'), "");
+    const QString cut = label.text();
+    set_elided_text(&label, longest, "");
+    QCOMPARE(label.text(), cut);
+    QCOMPARE(label.toolTip(), longest);
 }
 
 void WidgetSizingTest::the_tooltip_of_a_cut_text_begins_with_all_of_it()
