@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include <cstring>
+#include <unistd.h>
 
 namespace
 {
@@ -47,6 +48,20 @@ int act_as_child(const char* what)
     print_to_console("running\n");
     return 0;
 }
+
+/** A process whose standard output is a pipe that nobody reads any more. */
+class UnheardProcess : public QProcess
+{
+protected:
+    void setupChildProcess() override
+    {
+        int ends[2] = {};
+        if (::pipe(ends) != 0)
+            ::_exit(1);
+        ::close(ends[0]);
+        ::dup2(ends[1], STDOUT_FILENO);
+    }
+};
 
 struct Outcome
 {
@@ -92,6 +107,7 @@ private slots:
     void odd_profiles_do_not_keep_the_program_from_starting();
     void the_library_test_says_that_it_is_disabled();
     void two_copies_of_the_program_run_together();
+    void a_reader_of_its_output_that_has_gone_does_not_end_the_program();
     void the_guard_lets_a_lone_copy_through();
     void the_guard_ends_a_second_copy();
 };
@@ -219,6 +235,24 @@ void StartupTest::two_copies_of_the_program_run_together()
         copy.kill();
         QVERIFY(copy.waitForFinished());
     }
+}
+
+void StartupTest::a_reader_of_its_output_that_has_gone_does_not_end_the_program()
+{
+    const QTemporaryDir home;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_DATA_HOME", home.path());
+    UnheardProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(KEST_PROGRAM, QStringList());
+    const QString settings = home.filePath("kest-battery-tester/kestrometer.cfg");
+    // Written behind the first line of output.
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings) || program.state() == QProcess::NotRunning,
+                             30000);
+    QVERIFY(QFile::exists(settings));
+    QCOMPARE(program.state(), QProcess::Running);
+    program.kill();
+    QVERIFY(program.waitForFinished());
 }
 
 void StartupTest::the_guard_lets_a_lone_copy_through()
