@@ -91,6 +91,14 @@ void fit_font_to_width(QWidget* widget, int point_size, int min_point_size)
     widget->setFont(font);
 }
 
+void set_fitting_text(QLabel* label, const QString& text)
+{
+    // An empty label asks for what it was pinned to.
+    label->setMinimumWidth(0);
+    label->setText(text);
+    pin_width(label, label->minimumSizeHint().width());
+}
+
 void set_elided_text(QLabel* label, QString text, QString tooltip)
 {
     const int available = available_width(label);

@@ -19,5 +19,8 @@ void set_width_in_ems(QWidget* widget, int ems, bool fit_text);
  */
 void fit_font_to_width(QWidget* widget, int point_size, int min_point_size);
 
+/** Shows `text` and pins the width to what it takes: for a label that no layout follows. */
+void set_fitting_text(QLabel* label, const QString& text);
+
 /** Shows `text`, cut and with "..." where it is too wide; the tooltip then begins with all of it. */
 void set_elided_text(QLabel* label, QString text, QString tooltip);

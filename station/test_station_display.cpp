@@ -8,6 +8,7 @@
 #include "common/time_span.h"
 #include "common/unicode.h"
 #include "common/widget_colors.h"
+#include "common/widget_sizing.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
 #include "device/kestrometer.h"
@@ -123,7 +124,8 @@ void TestStation::populate_ui()
 {
     ui->leProfileName->setText(profile_name);
     ui->leSerialNumber->setText(serial_number);
-    serial_number_label.setText(serial_number);
+    // The grid above the charts is not laid out anew for another number.
+    set_fitting_text(&serial_number_label, serial_number);
     ui->sbNumberOfCycles->setValue(number_of_cycles);
     ui->leMaxChargeTime->setText(QString::number(max_charge_time / 3600));
     ui->leLowVoltageCutoff->setText(parameter(low_voltage_cutoff));

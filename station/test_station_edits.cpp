@@ -59,9 +59,7 @@ void TestStation::on_leSerialNumber_textEdited(const QString& text)
 {
     serial_number = text.trimmed();
     serial_number_edited = true;
-    serial_number_label.setText(serial_number);
-    // The grid above the charts has pinned it, and is not laid out anew for a typed character.
-    serial_number_label.setFixedWidth(serial_number_label.minimumSizeHint().width());
+    set_fitting_text(&serial_number_label, serial_number);
     update_ui();
     ui->pbSaveProfile->setEnabled(true);
 }

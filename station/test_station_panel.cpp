@@ -135,6 +135,8 @@ void TestStation::set_up_panel()
         connect(kestrometer, &Kestrometer::sig_id_change, this, &TestStation::slot_id_change);
     }
     set_up_parameters(*this);
+    // A number from a log may hold anything.
+    serial_number_label.setTextFormat(Qt::PlainText);
     populate_ui();
     update_ui();
     set_up_color_combobox();

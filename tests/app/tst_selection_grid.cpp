@@ -3,9 +3,13 @@
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "device/kestrometer.h"
+#include "station/combobox_items.h"
 #include "station/test_station.h"
+#include "support/profile_file.h"
 
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QtTest>
 
 #include <algorithm>
@@ -73,6 +77,7 @@ private slots:
     void shorter_rows_leave_cells_empty();
     void the_header_numbers_the_cycles();
     void number_labels_are_taken_away_and_reused();
+    void a_serial_number_has_its_room_wherever_it_comes_from();
     void a_closed_station_takes_its_row_along();
     void the_header_is_at_least_as_high_as_the_logo();
     void every_rebuild_gives_the_same_layout();
@@ -212,6 +217,34 @@ void SelectionGridTest::number_labels_are_taken_away_and_reused()
         bench.add_cycle(staying, CURVE);
     QCOMPARE(header_label(bench.header, "3"), third.data());
     QCOMPARE(header_label(bench.header, "1"), first.data());
+}
+
+void SelectionGridTest::a_serial_number_has_its_room_wherever_it_comes_from()
+{
+    ChartWindow bench;
+    load_test_profiles("[Pack A]\nserial_number_template=A-0042\n"
+                       "[pack b]\nserial_number_template=b-0000042\n");
+    TestStation* station = bench.add_station(4);
+    const QLabel& label = station->serial_number_label;
+    const auto has_its_room = [&label] {
+        return label.width() == label.minimumSizeHint().width();
+    };
+    QVERIFY(has_its_room());
+
+    station->unload_test_data();
+    auto* profiles = station->findChild<QComboBox*>("cbProfile");
+    set_combobox_items(profiles, {TestStation::no_profile_text, "Pack A", "pack b"});
+    for (const char* profile : {"Pack A", "pack b"}) {
+        profiles->setCurrentText(profile);
+        QVERIFY(!label.text().isEmpty());
+        QVERIFY(has_its_room());
+    }
+    QTest::keyClicks(station->findChild<QLineEdit*>("leSerialNumber"), "777");
+    QCOMPARE(label.text(), QString("b-0000042777"));
+    QVERIFY(has_its_room());
+    QTest::mouseClick(station->findChild<QPushButton*>("pbNewTest"), Qt::LeftButton);
+    QCOMPARE(label.text(), QString("b-0000042"));
+    QVERIFY(has_its_room());
 }
 
 void SelectionGridTest::a_closed_station_takes_its_row_along()

@@ -72,6 +72,7 @@ private slots:
     void a_given_size_is_where_it_begins();
     void an_unpinned_widget_offers_its_present_width();
     void other_kinds_have_no_text_to_fit();
+    void a_fitting_label_is_as_wide_as_its_text();
     void a_text_that_fits_is_shown_whole();
     void a_text_that_needs_all_the_room_is_cut();
     void a_cut_text_is_the_longest_that_fits();
@@ -213,6 +214,18 @@ void WidgetSizingTest::other_kinds_have_no_text_to_fit()
     combo_box->setFixedWidth(1);
     fit_font_to_width(combo_box.get(), 20, 4);
     QCOMPARE(combo_box->font().pointSize(), 20);
+}
+
+void WidgetSizingTest::a_fitting_label_is_as_wide_as_its_text()
+{
+    QLabel label;
+    label.setFixedWidth(3);
+    for (const QString& text : {TEXT, TEXT + TEXT, QString(), QString("1")}) {
+        set_fitting_text(&label, text);
+        QCOMPARE(label.text(), text);
+        QCOMPARE(label.width(), text.isEmpty() ? 0 : QLabel(text).minimumSizeHint().width());
+        QCOMPARE(label.minimumWidth(), label.maximumWidth());
+    }
 }
 
 void WidgetSizingTest::a_text_that_fits_is_shown_whole()

@@ -384,6 +384,8 @@ void SelectionTest::the_label_follows_what_is_typed()
     StationBench bench;
     bench.type("leSerialNumber", "1042");
     QCOMPARE(bench.station->serial_number_label.text(), QString("1042"));
+    // What looks like markup is shown as it stands.
+    QCOMPARE(bench.station->serial_number_label.textFormat(), Qt::PlainText);
 }
 
 QTEST_MAIN(SelectionTest)
