@@ -74,6 +74,21 @@ void draw_every_point(QPainter* painter, const QList<QPointF>& points, const Poi
 }
 
 /**
+ * Adds the points up to the boundary, if there are any. The sums are the function's own: in an object
+ * they would go to memory and back at every point.
+ */
+Bucket fill(Bucket sums, PointScan& scan, double boundary)
+{
+    scan.visit_while([&sums, boundary](const QPointF& next) {
+        if (next.x() > boundary)
+            return false;
+        sums.add(next);
+        return true;
+    });
+    return sums;
+}
+
+/**
  * First point, bucket means, last point. The boundary grows by one interval per test, so that points
  * behind a gap are buckets of one until it has caught up. A first bucket may be empty: its NaN is
  * mapped like any mean and lies far outside of the clip rectangle.
@@ -83,16 +98,16 @@ void append_averaged(const QList<QPointF>& points, const PointMap map, double in
                      Append append)
 {
     append(map.map(points.first()));
-    Bucket bucket;
+    PointScan scan(points);
     double boundary = interval;
-    for_each_point(points, [&bucket, &boundary, map, interval, append](const QPointF& point) {
-        if (point.x() > boundary) {
-            append(map.map(bucket.mean()));
-            bucket = Bucket();
-            boundary += interval;
-        }
-        bucket.add(point);
-    });
+    Bucket bucket = fill(Bucket(), scan, boundary);
+    while (!scan.at_end()) {
+        append(map.map(bucket.mean()));
+        bucket = Bucket();
+        boundary += interval;
+        bucket.add(scan.next());
+        bucket = fill(bucket, scan, boundary);
+    }
     append(map.map(bucket.mean()));
     append(map.map(points.last()));
 }
