@@ -162,6 +162,7 @@ void compare_with_peer(Table& table, View& view, const QString& name, const Peer
               repeated(repeats, peer.paint_image));
 
     PaintBox box(nullptr);
+    box.setAttribute(Qt::WA_OpaquePaintEvent);  // as the window has its charts
     box.resize(SIZE);
     QObject::connect(&box, &PaintBox::sig_paint,
                      [&view](QPainter* painter) { view.paint(painter, SMOOTHING); });
