@@ -130,8 +130,12 @@ void MainWindow::set_chart_refresh_interval()
 
 void MainWindow::slot_refresh_charts()
 {
-    for (TestStation* station : qAsConst(TestStation::all_instances))
-        station->all_cycles_checkbox.setCheckState(common_check_state(station->cycles));
+    for (TestStation* station : qAsConst(TestStation::all_instances)) {
+        // Set to what it has, a box would be painted again all the same.
+        const Qt::CheckState state = common_check_state(station->cycles);
+        if (station->all_cycles_checkbox.checkState() != state)
+            station->all_cycles_checkbox.setCheckState(state);
+    }
     voltage_chart_box->update();
     bottom_chart_box->update();
 }
@@ -171,8 +175,9 @@ void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, L
         const RasterClip clip(painter);
         if (style == LINES)
             plot_series_captions(painter, series);
-        plot_closest_chart_point(series, chart_type, qobject_cast<PaintBox*>(sender()), chart,
-                                 painter);
+        // Not by sender(): it goes through all that the window is connected to, thousands of boxes.
+        PaintBox* const box = chart_type == 'V' ? voltage_chart_box : bottom_chart_box;
+        plot_closest_chart_point(series, chart_type, box, chart, painter);
     } catch (...) {
     }
 }

@@ -84,6 +84,7 @@ private slots:
     void an_identity_change_moves_no_row_before_the_next_rebuild();
     void both_names_of_the_rebuild_do_it();
     void many_rebuilds_leave_a_tick_working();
+    void a_refresh_paints_a_tick_only_if_it_changes();
     void a_second_window_takes_the_labels_over();
 };
 
@@ -336,6 +337,33 @@ void SelectionGridTest::many_rebuilds_leave_a_tick_working()
         QCOMPARE(cycle->checkbox.checkState(), expected);
         QCOMPARE(station->all_cycles_checkbox.checkState(), expected);
     }
+}
+
+void SelectionGridTest::a_refresh_paints_a_tick_only_if_it_changes()
+{
+    struct Counter : QObject
+    {
+        bool eventFilter(QObject*, QEvent* event) override
+        {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int paints = 0;
+    } counter;
+    ChartWindow bench;
+    TestStation* station = bench.add_station(1);
+    TestCycle* cycle = bench.add_cycle(station, CURVE);
+    bench.window->slot_refresh_charts();
+    bench.settle();
+    station->all_cycles_checkbox.installEventFilter(&counter);
+    bench.window->slot_refresh_charts();
+    bench.settle();
+    QCOMPARE(counter.paints, 0);
+    cycle->checkbox.setChecked(false);
+    bench.window->slot_refresh_charts();
+    bench.settle();
+    QVERIFY(counter.paints > 0);
+    QCOMPARE(station->all_cycles_checkbox.checkState(), Qt::Unchecked);
 }
 
 void SelectionGridTest::a_second_window_takes_the_labels_over()
