@@ -1,8 +1,8 @@
 #pragma once
 
 #include "charts/line_chart.h"
-#include "station/phase.h"
 #include "station/selection_killer_delegate.h"
+#include "station/shown_readouts.h"
 #include "station/test_cycle.h"
 
 #include <QCheckBox>
@@ -182,8 +182,8 @@ public slots:
 
 private:
     void show_start_skip(StartSkip button);
-    void show_internal_resistance();
-    int shown_resistances = -1;  ///< points behind the mean that the panel shows; -1 for none yet
+    void show_changes();  ///< as update_ui, but labels whose value stays are not touched
+    ShownReadouts shown;
 
     // ---- test_station_selection.cpp: the station's row above the charts ------
 private slots:

@@ -127,7 +127,7 @@ void TestStation::slot_measurement()
         record_measurement();
         check_transitions();
     }
-    update_ui();
+    show_changes();
 }
 
 void TestStation::record_measurement()

@@ -229,7 +229,6 @@ void TestStation::delete_cycles()
     qDeleteAll(cycles);
     cycles.clear();
     current_cycle = nullptr;
-    shown_resistances = -1;
 }
 
 void TestStation::set_log_all_telemetry(bool on)

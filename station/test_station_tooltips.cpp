@@ -58,4 +58,5 @@ void TestStation::set_tooltips()
     for (const HelpText& text : texts)
         for (QWidget* widget : text.widgets)
             ToolTips::assign(widget, text.id);
+    shown.current_help.reset();
 }
