@@ -9,6 +9,12 @@
 
 namespace
 {
+/** The name of a directory may have a line break. What follows it would keep the file from loading. */
+QString in_one_line(QString value)
+{
+    return value.replace('\n', ' ');
+}
+
 void write_section(QTextStream& stream, const QString& name, const INISection& section)
 {
     stream << "[" << name << "]\n";
@@ -16,7 +22,7 @@ void write_section(QTextStream& stream, const QString& name, const INISection& s
     for (const QString& variable : variables) {
         QString value;
         section.get_value(variable, value);
-        stream << variable << "=" << value << "\n";
+        stream << variable << "=" << in_one_line(value) << "\n";
     }
     stream << "\n";
 }

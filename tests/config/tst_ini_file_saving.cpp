@@ -15,6 +15,7 @@ private slots:
     void files_come_out_sorted();
     void saving_nothing_truncates_the_file();
     void a_section_without_variables_is_a_header_and_an_empty_line();
+    void a_value_of_several_lines_is_written_in_one();
     void what_was_saved_is_read_back();
     void text_beyond_ascii_comes_back();
     void a_float_comes_back_with_six_digits();
@@ -79,6 +80,18 @@ void INIFileSavingTest::a_section_without_variables_is_a_header_and_an_empty_lin
     ini.set_value("b", "c", 1);
     QVERIFY(ini.save());
     QCOMPARE(content_of(dir.filePath("a.cfg")), QByteArray("[a]\n\n[b]\nc=1\n\n"));
+}
+
+void INIFileSavingTest::a_value_of_several_lines_is_written_in_one()
+{
+    QTemporaryDir dir;
+    INIFile ini(dir.filePath("a.cfg"));
+    ini.set_value("a", "b", "/one\ntwo\n[c]");
+    QVERIFY(ini.save());
+    QCOMPARE(content_of(dir.filePath("a.cfg")), QByteArray("[a]\nb=/one two [c]\n\n"));
+    QString value;
+    QVERIFY(ini.get_value("a", "b", value));
+    QCOMPARE(value, QString("/one\ntwo\n[c]"));
 }
 
 void INIFileSavingTest::what_was_saved_is_read_back()

@@ -40,6 +40,7 @@ private slots:
     void setters_leave_the_disk_alone();
     void saving_a_read_only_file_keeps_the_memory();
     void loading_again_forgets_the_former_values();
+    void a_directory_with_a_line_break_does_not_keep_the_program_from_starting();
 };
 
 void SettingsTest::the_directory_is_asked_for_anew()
@@ -356,6 +357,18 @@ void SettingsTest::loading_again_forgets_the_former_values()
     Settings::set_log_dir("/logs");
     QVERIFY(Settings::load());
     QCOMPARE(Settings::get_log_dir(), QString());
+}
+
+void SettingsTest::a_directory_with_a_line_break_does_not_keep_the_program_from_starting()
+{
+    const SettingsHome home;
+    QVERIFY(Settings::load());
+    Settings::set_log_dir("/logs\nof March");
+    QVERIFY(Settings::save());
+    ModalAnswer answer;
+    answer.click(QMessageBox::Ok);
+    QVERIFY(Settings::load());
+    QCOMPARE(Settings::get_log_dir(), QString("/logs of March"));
 }
 
 QTEST_MAIN(SettingsTest)
