@@ -15,8 +15,10 @@ class MainWindowTest : public QObject
 private slots:
     void the_first_blink_is_false_and_the_next_true();
     void the_blink_timer_ticks_once_a_second();
+    void a_tick_of_the_timer_is_a_blink();
     void the_title_names_build_and_mode();
     void the_window_is_maximised();
+    void a_new_window_takes_up_the_width_of_the_last_one();
     void the_menus_hold_their_actions_in_order();
     void the_widgets_lie_in_their_layouts();
     void every_slot_finds_its_widget();
@@ -44,6 +46,15 @@ void MainWindowTest::the_blink_timer_ticks_once_a_second()
     QCOMPARE(running.size(), 1);
 }
 
+void MainWindowTest::a_tick_of_the_timer_is_a_blink()
+{
+    WindowBench bench;
+    QSignalSpy blinks(bench.window.get(), &MainWindow::sig_blink);
+    for (QTimer* timer : bench.window->findChildren<QTimer*>())
+        QVERIFY(QMetaObject::invokeMethod(timer, "timeout"));
+    QCOMPARE(blinks.size(), 1);
+}
+
 void MainWindowTest::the_title_names_build_and_mode()
 {
     WindowBench bench;
@@ -55,6 +66,18 @@ void MainWindowTest::the_window_is_maximised()
 {
     WindowBench bench;
     QVERIFY(bench.window->windowState().testFlag(Qt::WindowMaximized));
+}
+
+void MainWindowTest::a_new_window_takes_up_the_width_of_the_last_one()
+{
+    WindowBench bench;
+    Settings::set_test_station_width_px(432);
+    QVERIFY(Settings::save());
+    bench.window.reset();
+    bench.window = std::make_unique<MainWindow>(nullptr);
+    const auto* row = bench.window->findChild<QFrame*>("frNewStation");
+    QCOMPARE(row->minimumWidth(), 432);
+    QCOMPARE(row->maximumWidth(), 432);
 }
 
 void MainWindowTest::the_menus_hold_their_actions_in_order()
