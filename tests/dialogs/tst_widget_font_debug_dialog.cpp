@@ -90,6 +90,7 @@ private slots:
     void shorter_begins_at_the_present_height();
     void taller_goes_on_from_the_pinned_height();
     void text_is_fitted_from_12_points_each();
+    void text_is_fitted_down_to_one_point();
     void a_family_after_fitting_gives_all_the_buttons_size();
     void ok_accepts();
 };
@@ -275,6 +276,19 @@ void WidgetFontDebugDialogTest::text_is_fitted_from_12_points_each()
     bench.press("pbResizeText");
     QCOMPARE(bench.find("laExample")->font().pointSize(), 12);
     QVERIFY(bench.find("pbExample")->font().pointSize() < 12);
+
+    bench.find("cbExample")->setFixedWidth(1000);
+    bench.press("pbResizeText");
+    QCOMPARE(bench.find("cbExample")->font().pointSize(), 12);
+}
+
+void WidgetFontDebugDialogTest::text_is_fitted_down_to_one_point()
+{
+    const Bench bench;
+    for (const char* example : EXAMPLES)
+        bench.find(example)->setFixedWidth(1);
+    bench.press("pbResizeText");
+    QCOMPARE(bench.point_sizes(), (QList<int>{1, 1, 1}));
 }
 
 void WidgetFontDebugDialogTest::a_family_after_fitting_gives_all_the_buttons_size()

@@ -21,8 +21,10 @@ private slots:
     void a_profile_without_a_name_is_listed_and_does_nothing();
     void choosing_a_profile_applies_all_of_it();
     void choosing_a_profile_shows_all_of_it();
+    void what_is_derived_follows_where_no_control_does();
     void nothing_is_left_to_save_after_choosing();
     void the_placeholder_changes_nothing();
+    void a_profile_of_the_placeholders_name_changes_nothing();
     void a_profile_that_is_gone_changes_nothing();
     void the_two_check_boxes_cross_data();
     void the_two_check_boxes_cross();
@@ -100,6 +102,16 @@ void ProfilesTest::choosing_a_profile_shows_all_of_it()
     QVERIFY(bench.widget<QWidget>("pbStartSkip")->isEnabled());
 }
 
+void ProfilesTest::what_is_derived_follows_where_no_control_does()
+{
+    // No check box and no number of cycles changes, whose slots would refresh the panel.
+    ProfileBench bench("[Pack]\nserial_number_template=A/1\n");
+    bench.choose_profile("Pack");
+    QVERIFY(bench.widget<QWidget>("laBlankName")->isHidden());
+    QVERIFY(bench.widget<QWidget>("laBlankSerialNumber")->isHidden());
+    QVERIFY(!bench.widget<QWidget>("laBadSerialNumber")->isHidden());
+}
+
 void ProfilesTest::nothing_is_left_to_save_after_choosing()
 {
     ProfileBench bench;
@@ -120,6 +132,19 @@ void ProfilesTest::the_placeholder_changes_nothing()
     QCOMPARE(parameters_of(*bench.station), before);
     QVERIFY(bench.save_enabled());
     QVERIFY(bench.delete_enabled());
+}
+
+void ProfilesTest::a_profile_of_the_placeholders_name_changes_nothing()
+{
+    ProfileBench bench("[Select Profile...]\nserial_number_template=X\n");
+    QCOMPARE(listed_profiles(*bench.station),
+             QStringList({"Select Profile...", "Select Profile..."}));
+    const QString before = parameters_of(*bench.station);
+    for (const int index : {1, 0})
+        bench.widget<QComboBox>("cbProfile")->setCurrentIndex(index);
+    QCOMPARE(parameters_of(*bench.station), before);
+    QVERIFY(bench.save_enabled());
+    QVERIFY(!bench.delete_enabled());
 }
 
 void ProfilesTest::a_profile_that_is_gone_changes_nothing()

@@ -141,9 +141,13 @@ void UnloadTest::nothing_loaded_is_no_obstacle()
 {
     StationBench bench;
     bench.type_names("Pack A", "1042");
+    QVERIFY(bench.widget<QPushButton>("pbStartSkip")->isEnabled());
     bench.station->unload_test_data();
     QCOMPARE(bench.station->serial_number, QString());
     QCOMPARE(bench.wire.commands(), QByteArray("O"));
+    // Nobody can start a test without a number, and the panel says why.
+    QVERIFY(!bench.widget<QPushButton>("pbStartSkip")->isEnabled());
+    QVERIFY(!bench.widget<QWidget>("laBlankSerialNumber")->isHidden());
 }
 
 void UnloadTest::a_station_that_dies_closes_its_logs()
