@@ -85,9 +85,10 @@ void set_up_readouts(const Ui::TestStation& ui)
     for (QLabel* label : {ui.laStationID, ui.laPhase, ui.laVoltage, ui.laCurrent,
                           ui.laCummAmpHours2, ui.laCycleNumber, ui.laCummAmpHours,
                           ui.laCummWattHours, ui.laIntResistance, ui.laElapsedTime}) {
+        // Before the height is asked for: a change of the format has the label measured anew.
+        label->setTextFormat(Qt::PlainText);
         label->setFixedHeight(label->minimumSizeHint().height());
         label->setAutoFillBackground(true);
-        label->setTextFormat(Qt::PlainText);
     }
 }
 
