@@ -183,6 +183,9 @@ void TestStation::set_widget_sizes()
               w / 2);
     pin_width({&color_combobox}, text_width(&color_combobox, "Preview 000") +
                                      color_combobox.minimumSizeHint().height());
+    // A box that has a size is not asked for one when it is first shown: it would measure each of its
+    // items for a width that is pinned.
+    color_combobox.resize(color_combobox.minimumWidth(), color_combobox.minimumSizeHint().height());
     for (QWidget* button : {ui->pbDirectory, ui->pbClose, ui->pbExpandCollapse})
         make_square(button);
     set_up_readouts(*ui);

@@ -6,6 +6,7 @@
 #include "common/widget_colors.h"
 
 #include <QAbstractItemModel>
+#include <QListView>
 #include <QPen>
 
 namespace
@@ -36,6 +37,9 @@ void TestStation::set_up_color_combobox()
     repopulate_color_combobox();
     color_combobox.setAccessibleName("Color");
     color_combobox.setItemDelegate(&selection_killer_delegate);
+    // All items bear the same text: one is measured, and not all nine whenever the box gets a sheet
+    // or a parent.
+    static_cast<QListView*>(color_combobox.view())->setUniformItemSizes(true);
     color_combobox.setStyleSheet("QComboBox { border-radius: 1px; }");
     connect(&color_combobox, qOverload<int>(&QComboBox::currentIndexChanged), this,
             &TestStation::slot_color_change);

@@ -6,6 +6,7 @@
 
 #include <QAbstractItemView>
 #include <QLabel>
+#include <QListView>
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QtTest>
@@ -97,6 +98,9 @@ class SelectionTest : public QObject
 
 private slots:
     void a_new_box_is_as_high_as_its_colours_make_it();
+    void a_new_box_has_the_size_that_it_is_shown_with();
+    void one_item_of_the_list_is_measured_for_all();
+    void a_longer_identity_has_the_list_measured_anew();
     void init();
     void the_widgets_have_no_parent_before_the_window_places_them();
     void a_new_station_is_black();
@@ -134,6 +138,41 @@ void SelectionTest::a_new_box_is_as_high_as_its_colours_make_it()
     plain.setStyleSheet(bench.station->color_combobox.styleSheet());
     QCOMPARE(bench.station->color_combobox.minimumSizeHint().height(),
              plain.minimumSizeHint().height());
+}
+
+void SelectionTest::a_new_box_has_the_size_that_it_is_shown_with()
+{
+    StationBench bench;
+    QComboBox& box = bench.station->color_combobox;
+    QCOMPARE(box.size(), QSize(box.minimumWidth(), box.sizeHint().height()));
+    const QSize before = box.size();
+    box.show();
+    QCOMPARE(box.size(), before);
+}
+
+void SelectionTest::one_item_of_the_list_is_measured_for_all()
+{
+    const StationBench bench;
+    const auto* list = qobject_cast<QListView*>(bench.station->color_combobox.view());
+    QVERIFY(list != nullptr);
+    QVERIFY(list->uniformItemSizes());
+    // Nothing is lost by it: each is as large as the one.
+    for (int row = 1; row < 9; ++row)
+        QCOMPARE(list->sizeHintForIndex(list->model()->index(row, 0)),
+                 list->sizeHintForIndex(list->model()->index(0, 0)));
+}
+
+void SelectionTest::a_longer_identity_has_the_list_measured_anew()
+{
+    StationBench bench;
+    bench.receive("41.0", "0.0", "O");
+    QComboBox& box = bench.station->color_combobox;
+    box.show();
+    box.showPopup();
+    QVERIFY(bench.wire.send("x\t41.0\t0.0\tx\tx\tID=1234567\tO", *bench.instrument));
+    const QModelIndex last = box.model()->index(8, 0);
+    QCOMPARE(box.itemText(8), QString("Station 1234567"));
+    QVERIFY(box.view()->visualRect(last).width() >= box.view()->sizeHintForIndex(last).width());
 }
 
 void SelectionTest::init()
