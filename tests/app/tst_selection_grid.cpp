@@ -79,6 +79,7 @@ private slots:
     void number_labels_are_taken_away_and_reused();
     void a_serial_number_has_its_room_wherever_it_comes_from();
     void a_closed_station_takes_its_row_along();
+    void a_closed_station_takes_its_curves_along();
     void the_header_is_at_least_as_high_as_the_logo();
     void every_rebuild_gives_the_same_layout();
     void an_identity_change_moves_no_row_before_the_next_rebuild();
@@ -262,6 +263,22 @@ void SelectionGridTest::a_closed_station_takes_its_row_along()
     QCOMPARE(bench.header->findChildren<QCheckBox*>().size(), 1);
     QCOMPARE(bench.header->findChildren<QComboBox*>(QString(), Qt::FindDirectChildrenOnly).size(),
              1);
+}
+
+void SelectionGridTest::a_closed_station_takes_its_curves_along()
+{
+    ChartWindow bench;
+    TestStation* station = bench.add_station(1);
+    bench.add_cycle(station, CURVE);
+    bench.settle();
+    const PaintCounter upper(bench.upper);
+    const PaintCounter lower(bench.lower);
+    bench.answers.click(QMessageBox::Ok);
+    bench.window->slot_close_request(station);
+    bench.settle();
+    // At once, and not only at the next tick; the charts have kept their size.
+    QCOMPARE(upper.count, 1);
+    QCOMPARE(lower.count, 1);
 }
 
 void SelectionGridTest::the_header_is_at_least_as_high_as_the_logo()

@@ -364,7 +364,7 @@ void EngineTest::a_new_number_renames_the_finished_curves()
         cycle->internal_resistance.name = "as it was";
     connect(bench.station.get(), &TestStation::sig_id_change, this, [&] { told += "id"; });
     connect(bench.station.get(), &TestStation::sig_repaint_chart_request, this,
-            [&] { told += "repaint"; });
+            [&] { told += "repaint, " + bench.station->color_combobox.itemText(8); });
     QVERIFY(bench.wire.send("x\t40.00\t10.0\tx\tx\tID=0x1F\tD", *bench.instrument));
     for (const TestCycle* cycle : bench.station->cycles) {
         QCOMPARE(cycle->voltage_vs_amphours.name, QString("31"));
@@ -372,7 +372,7 @@ void EngineTest::a_new_number_renames_the_finished_curves()
         QCOMPARE(cycle->internal_resistance.name, QString("as it was"));
     }
     // The colours, which bear the number too, are filled anew afterwards.
-    QCOMPARE(told.mid(0, 2), (QStringList{"id", "repaint"}));
+    QCOMPARE(told.mid(0, 2), (QStringList{"id", "repaint, Station 7"}));
     QCOMPARE(told.filter("id").size(), 1);
     QCOMPARE(bench.station->get_id(), QString("Station 31"));
     QCOMPARE(bench.station->phase, PHASE_DISCHARGING);
