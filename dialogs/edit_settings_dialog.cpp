@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QScreen>
 
 const QString EditSettingsDialog::NOT_SET_TEXT = "(Not Set)";
 const QString EditSettingsDialog::DEFAULT_HEADER_TEXT = "(Use Kest Header)";
@@ -53,15 +55,25 @@ EditSettingsDialog::~EditSettingsDialog() = default;
 
 void EditSettingsDialog::show_settings()
 {
-    ui->laLogDirectory->setText(text_or(Settings::get_log_dir(), NOT_SET_TEXT));
-    ui->laPDFDirectory->setText(text_or(Settings::get_pdf_dir(), NOT_SET_TEXT));
+    show_path(ui->laLogDirectory, text_or(Settings::get_log_dir(), NOT_SET_TEXT));
+    show_path(ui->laPDFDirectory, text_or(Settings::get_pdf_dir(), NOT_SET_TEXT));
     // A rate that the spin box clips counts as changed on purpose: OK then stores the clipped one.
     ui->sbChartRefreshRate->setValue(Settings::get_chart_refresh_rate());
-    ui->laHeaderImageFilename->setText(
-        text_or(Settings::get_header_image_filename(), DEFAULT_HEADER_TEXT));
+    show_path(ui->laHeaderImageFilename,
+              text_or(Settings::get_header_image_filename(), DEFAULT_HEADER_TEXT));
     ui->cbShowDebugInformation->setChecked(Settings::get_show_debug_info());
     ui->cbLogAllTelemetry->setChecked(Settings::get_log_all_telemetry());
     ui->cbCopyLogs->setChecked(Settings::get_copy_logs());
+}
+
+/** A path may be longer than the screen is wide: it is cut off there, and the buttons stay in reach. */
+void EditSettingsDialog::show_path(QLabel* label, const QString& path)
+{
+    label->setText(path);
+    const int screen = QGuiApplication::primaryScreen()->availableGeometry().width();
+    // Beside it are a caption and, together narrower than that, a button and the margins.
+    const int room = screen - 2 * ui->laLogDirectoryCaption->minimumWidth();
+    label->setMinimumWidth(qBound(1, room, label->sizeHint().width()));
 }
 
 void EditSettingsDialog::set_tooltips()
@@ -110,7 +122,7 @@ void EditSettingsDialog::change_directory(QLabel* label, const QString& caption)
         show_error(QString("The directory %1 is not writable.").arg(dir));
         return;
     }
-    label->setText(dir);
+    show_path(label, dir);
     changed = true;
 }
 
@@ -122,7 +134,7 @@ void EditSettingsDialog::on_pbChangeHeaderImageFile_clicked()
         Settings::get_settings_dir(), "All Files (*.*);;PNG Files (*.png);;JPEG Files (*.jpg)",
         &selected_filter);
     // Cancel is the way to get back to the built-in image.
-    ui->laHeaderImageFilename->setText(text_or(filename, DEFAULT_HEADER_TEXT));
+    show_path(ui->laHeaderImageFilename, text_or(filename, DEFAULT_HEADER_TEXT));
     if (filename != Settings::get_header_image_filename())
         changed = true;
 }

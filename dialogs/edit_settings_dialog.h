@@ -36,6 +36,7 @@ private slots:
 
 private:
     void show_settings();
+    void show_path(QLabel* label, const QString& path);
     void set_tooltips();
     void set_widget_sizes();
     void change_directory(QLabel* label, const QString& caption);

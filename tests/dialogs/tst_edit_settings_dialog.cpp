@@ -9,11 +9,21 @@
 #include "support/test_files.h"
 
 #include <QCheckBox>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QtTest>
+
+namespace
+{
+int screen_width()
+{
+    return QGuiApplication::primaryScreen()->availableGeometry().width();
+}
+}  // namespace
 
 class EditSettingsDialogTest : public QObject
 {
@@ -26,6 +36,8 @@ private slots:
     void empty_settings_are_shown_as_words();
     void settings_are_shown_as_stored();
     void a_path_that_looks_like_markup_is_shown_as_it_stands();
+    void a_stored_path_of_any_length_leaves_the_dialog_on_the_screen();
+    void a_chosen_path_of_any_length_leaves_the_dialog_on_the_screen();
     void ok_without_a_change_writes_nothing();
     void cancel_keeps_nothing();
     void every_change_reaches_the_file();
@@ -112,6 +124,10 @@ void EditSettingsDialogTest::empty_settings_are_shown_as_words()
     QCOMPARE(bench.text("laLogDirectory"), QString("(Not Set)"));
     QCOMPARE(bench.text("laPDFDirectory"), QString("(Not Set)"));
     QCOMPARE(bench.text("laHeaderImageFilename"), QString("(Use Kest Header)"));
+    for (const char* name : {"laLogDirectory", "laPDFDirectory", "laHeaderImageFilename"}) {
+        const auto* label = bench.find<QLabel>(name);
+        QCOMPARE(label->minimumWidth(), label->sizeHint().width());
+    }
     QCOMPARE(bench.find<QSpinBox>("sbChartRefreshRate")->value(), 3);
     for (const char* name : {"cbCopyLogs", "cbShowDebugInformation", "cbLogAllTelemetry"})
         QVERIFY(!bench.find<QCheckBox>(name)->isChecked());
@@ -136,6 +152,36 @@ void EditSettingsDialogTest::a_path_that_looks_like_markup_is_shown_as_it_stands
     const EditSettingsBench bench;
     for (const char* name : {"laLogDirectory", "laPDFDirectory", "laHeaderImageFilename"})
         QCOMPARE(bench.find<QLabel>(name)->textFormat(), Qt::PlainText);
+}
+
+void EditSettingsDialogTest::a_stored_path_of_any_length_leaves_the_dialog_on_the_screen()
+{
+    const QByteArray path = "/" + QByteArray(4000, 'x');
+    const EditSettingsBench bench("[directories]\nlog_directory=" + path + "\npdf_directory=" +
+                                  path + "\n[misc]\nheader_image_filename=" + path + "\n");
+    QVERIFY(bench.dialog->width() <= screen_width());
+    for (const char* name : {"laLogDirectory", "laPDFDirectory", "laHeaderImageFilename"})
+        QCOMPARE(bench.text(name), QString(path));
+}
+
+void EditSettingsDialogTest::a_chosen_path_of_any_length_leaves_the_dialog_on_the_screen()
+{
+    EditSettingsBench bench;
+    const QString logs = bench.make_directory(QString(150, 'x'));
+    const QString pdfs = bench.make_directory(QString(150, 'y'));
+    const QString header = bench.folder.filePath(QString(150, 'z'));
+    QVERIFY(write_file(header, "no image is needed"));
+    bench.choose("pbChangeLogDirectory", logs);
+    bench.choose("pbChangePDFDirectory", pdfs);
+    bench.choose("pbChangeHeaderImageFile", header);
+    QCOMPARE(bench.text("laLogDirectory"), logs);
+    QCOMPARE(bench.text("laPDFDirectory"), pdfs);
+    QCOMPARE(bench.text("laHeaderImageFilename"), header);
+    QVERIFY(bench.dialog->minimumSizeHint().width() <= screen_width());
+    // As wide as the screen lets them be.
+    const int room = screen_width() - 2 * bench.find<QLabel>("laLogDirectoryCaption")->width();
+    for (const char* name : {"laLogDirectory", "laPDFDirectory", "laHeaderImageFilename"})
+        QCOMPARE(bench.find<QLabel>(name)->minimumWidth(), room);
 }
 
 void EditSettingsDialogTest::ok_without_a_change_writes_nothing()
