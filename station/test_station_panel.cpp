@@ -2,6 +2,7 @@
 
 #include "ui_test_station.h"
 
+#include "common/frame_sides.h"
 #include "common/unicode.h"
 #include "common/widget_sizing.h"
 #include "config/battery_profiles.h"
@@ -145,6 +146,8 @@ void TestStation::set_up_panel()
         ui->leSerialNumber->setEnabled(false);
     set_summary_fonts(*ui);
     set_widget_sizes();
+    for (QFrame* frame : QList<QFrame*>{this, ui->frTestParameters, ui->frTestResults})
+        paint_by_sides(frame);
     set_tooltips();
     log_dir = Settings::get_log_dir();
     set_elided_text(ui->laDirectory, log_dir, QString());
