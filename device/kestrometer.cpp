@@ -17,8 +17,6 @@ namespace
 const QString LINE_END = "\r\n";
 const QByteArray ENTER_BOOTLOADER_COMMAND = "U";
 const QByteArray RESET_COMMAND = QByteArray("UUUUUU\0\0\0\4", 10);
-// More than any screen shows in a row. A label takes seconds to lay out megabytes.
-constexpr int LONGEST_STATUS_LINE = 4000;
 
 /** Errors that the port repeats for as long as it is open, as when its cable is pulled. */
 bool is_fatal(QSerialPort::SerialPortError error)
@@ -84,7 +82,7 @@ void Kestrometer::send_command(const QByteArray& command)
 QString Kestrometer::get_status() const
 {
     const qint64 age = last_data_time.secsTo(Time::now());
-    return QString("%1 ago: %2").arg(format_time_span(age), last_data.left(LONGEST_STATUS_LINE));
+    return QString("%1 ago: %2").arg(format_time_span(age), last_data);
 }
 
 bool Kestrometer::get_stuck() const

@@ -24,7 +24,7 @@ public:
     void set_state(KestrometerState new_state);
     /** Writes these bytes as they are; a port that is not open swallows them. */
     void send_command(const QByteArray& command);
-    /** Age and text of the last line, as far as a screen goes: "05m 09s ago: x\t48.02\t..." */
+    /** Age and text of the last line: "05m 09s ago: x\t48.02\t..." */
     QString get_status() const;
     /** Whether five valid lines in a row have shown another state than the one commanded. */
     bool get_stuck() const;

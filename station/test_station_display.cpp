@@ -15,8 +15,9 @@
 
 namespace
 {
-constexpr int SILENCE = 2;         // seconds without a line before the operator is told
-constexpr int RESET_INTERVAL = 5;  // seconds of silence between attempts to reset
+constexpr int LONGEST_STATUS = 4000;  // more than a screen shows: megabytes take seconds to lay out
+constexpr int SILENCE = 2;            // seconds without a line before the operator is told
+constexpr int RESET_INTERVAL = 5;     // seconds of silence between attempts to reset
 constexpr double LEAST_DISCHARGE_CURRENT = 0.1;  // amps
 
 /** Keeps what is to be shown; false if that is shown already. */
@@ -121,7 +122,8 @@ void blink_next_button(const TestStation& station)
 void show_instrument_health(TestStation& station)
 {
     station.ui->laKestrometerStatus->setVisible(Settings::get_show_debug_info());
-    station.ui->laKestrometerStatus->setText(station.kestrometer->get_status());
+    station.ui->laKestrometerStatus->setText(
+        station.kestrometer->get_status().left(LONGEST_STATUS));
 
     const qint64 silence = station.kestrometer->last_data_time.secsTo(Time::now());
     station.ui->laLostCommunication->setVisible(silence > SILENCE);

@@ -54,7 +54,6 @@ private slots:
     void every_line_moves_the_times_on();
     void the_status_is_age_and_text();
     void the_status_shows_the_line_sanitised();
-    void the_status_shows_megabytes_as_far_as_a_screen_goes();
     void the_status_before_the_first_line_is_no_time_ago();
     void three_seconds_of_silence_are_unresponsive();
 };
@@ -262,18 +261,6 @@ void KestrometerTest::the_status_shows_the_line_sanitised()
     QVERIFY(bench.send("\x1b[0m %1 %2 \x07\r\xC3\xA9\x7F"));
     QCOMPARE(bench.instrument.get_status(),
              QString("00s ago: [0x1B][0m %1 %2 [0x7][0xD][0xE9]\x7F"));
-}
-
-void KestrometerTest::the_status_shows_megabytes_as_far_as_a_screen_goes()
-{
-    Bench bench;
-    const QString fitting(4000, 'x');
-    QVERIFY(bench.send(fitting.toLatin1()));
-    QCOMPARE(bench.instrument.get_status(), "00s ago: " + fitting);
-    const QByteArray babble(3000000, 'x');
-    QVERIFY(bench.send(babble));
-    QCOMPARE(bench.instrument.last_data, QString(babble));
-    QCOMPARE(bench.instrument.get_status(), "00s ago: " + fitting);
 }
 
 void KestrometerTest::the_status_before_the_first_line_is_no_time_ago()

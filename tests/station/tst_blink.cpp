@@ -22,6 +22,7 @@ private slots:
     void a_preview_is_led_to_its_log();
     void the_status_keeps_its_width();
     void the_status_shows_on_request();
+    void the_status_shows_megabytes_as_far_as_a_screen_goes();
     void a_status_switched_on_later_has_the_panel_s_width();
     void silence_is_told_and_broken_data();
     void silence_is_told_and_broken();
@@ -155,6 +156,15 @@ void BlinkTest::the_status_shows_on_request()
     Settings::set_show_debug_info(false);
     bench.station->slot_blink(false);
     QVERIFY(!shows(bench, "laKestrometerStatus"));
+}
+
+void BlinkTest::the_status_shows_megabytes_as_far_as_a_screen_goes()
+{
+    StationBench bench;
+    bench.station->kestrometer->last_data = QString(3000000, 'x');
+    bench.station->slot_blink(true);
+    QCOMPARE(bench.widget<QLabel>("laKestrometerStatus")->text(),
+             bench.station->kestrometer->get_status().left(4000));
 }
 
 void BlinkTest::a_status_switched_on_later_has_the_panel_s_width()
