@@ -11,6 +11,7 @@
 #include <QSharedMemory>
 #include <QtTest>
 
+#include <csignal>
 #include <cstring>
 #include <unistd.h>
 
@@ -83,6 +84,14 @@ Outcome run_child(const char* what, const QString& data_home)
     return outcome;
 }
 
+void start_program(QProcess& process, const QTemporaryDir& home)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_DATA_HOME", home.path());
+    process.setProcessEnvironment(environment);
+    process.start(KEST_PROGRAM, QStringList());
+}
+
 void put_file(const QString& path, const QByteArray& content)
 {
     QVERIFY(QDir().mkpath(QFileInfo(path).path()));
@@ -108,6 +117,8 @@ private slots:
     void the_library_test_says_that_it_is_disabled();
     void two_copies_of_the_program_run_together();
     void a_reader_of_its_output_that_has_gone_does_not_end_the_program();
+    void signals_close_the_program_as_its_window_does_data();
+    void signals_close_the_program_as_its_window_does();
     void the_guard_lets_a_lone_copy_through();
     void the_guard_ends_a_second_copy();
 };
@@ -218,13 +229,9 @@ void StartupTest::the_library_test_says_that_it_is_disabled()
 void StartupTest::two_copies_of_the_program_run_together()
 {
     const QTemporaryDir home;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("XDG_DATA_HOME", home.path());
     QProcess copies[2];
-    for (QProcess& copy : copies) {
-        copy.setProcessEnvironment(environment);
-        copy.start(KEST_PROGRAM, QStringList());
-    }
+    for (QProcess& copy : copies)
+        start_program(copy, home);
     for (QProcess& copy : copies) {
         QTRY_VERIFY_WITH_TIMEOUT(copy.canReadLine(), 30000);
         QCOMPARE(copy.readLine(), FIRST_LINE);
@@ -240,11 +247,8 @@ void StartupTest::two_copies_of_the_program_run_together()
 void StartupTest::a_reader_of_its_output_that_has_gone_does_not_end_the_program()
 {
     const QTemporaryDir home;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("XDG_DATA_HOME", home.path());
     UnheardProcess program;
-    program.setProcessEnvironment(environment);
-    program.start(KEST_PROGRAM, QStringList());
+    start_program(program, home);
     const QString settings = home.filePath("kest-battery-tester/kestrometer.cfg");
     // Written behind the first line of output.
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings) || program.state() == QProcess::NotRunning,
@@ -253,6 +257,27 @@ void StartupTest::a_reader_of_its_output_that_has_gone_does_not_end_the_program(
     QCOMPARE(program.state(), QProcess::Running);
     program.kill();
     QVERIFY(program.waitForFinished());
+}
+
+void StartupTest::signals_close_the_program_as_its_window_does_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("end of the session") << SIGTERM;
+    QTest::newRow("the terminal goes") << SIGHUP;
+}
+
+void StartupTest::signals_close_the_program_as_its_window_does()
+{
+    QFETCH(int, signal);
+    const QTemporaryDir home;
+    QProcess program;
+    start_program(program, home);
+    QTRY_VERIFY_WITH_TIMEOUT(program.canReadLine(), 30000);
+    QCOMPARE(::kill(pid_t(program.processId()), signal), 0);
+    QVERIFY(program.waitForFinished());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
 }
 
 void StartupTest::the_guard_lets_a_lone_copy_through()

@@ -1,6 +1,7 @@
 #include "demo/demo.h"
 #include "demo/demo_options.h"
 
+#include "app/termination_signals.h"
 #include "common/console.h"
 
 #include <QApplication>
@@ -19,6 +20,7 @@ DemoStart read_command_line(int argc, char** argv, DemoOptions& options, QString
 int run_demo(int argc, char** argv, const DemoOptions& options)
 {
     QApplication application(argc, argv);
+    close_on_termination_signals(application);
     // Settings and logs of the demo stay apart from those of the real program.
     QApplication::setApplicationName("kest-demo");
     Demo demo(options);
