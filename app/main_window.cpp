@@ -2,8 +2,9 @@
 
 #include "ui_main_window.h"
 
-#include "common/build_info.h"
+#include "app/panel_sight.h"
 #include "charts/paint_box.h"
+#include "common/build_info.h"
 #include "config/battery_profiles.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
@@ -32,6 +33,7 @@ MainWindow::MainWindow(QWidget* parent)
         std::exit(1);
     ToolTips::load(":/help.html");
     ui->setupUi(this);
+    panel_sight = new PanelSight(ui->scrollArea);
     ToolTips::assign(ui->pbNewTestStation, 62);
     set_up_chart_boxes();
     set_up_chart_controls();

@@ -8,6 +8,7 @@
 #include <memory>
 
 class PaintBox;
+class PanelSight;
 class TestStation;
 class WidgetGrid;
 
@@ -119,6 +120,7 @@ private:
     PaintBox* voltage_chart_box = nullptr;  ///< upper chart
     PaintBox* bottom_chart_box = nullptr;   ///< lower chart
     PaintBox* header_box = nullptr;         ///< strip above the charts
+    PanelSight* panel_sight = nullptr;      ///< the scroll area's
     QTimer chart_refresh_timer;
     QTimer blink_timer;
     std::unique_ptr<ZoomInterval> voltage_zoom;  ///< null while the upper chart shows everything

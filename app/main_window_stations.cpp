@@ -2,6 +2,7 @@
 
 #include "ui_main_window.h"
 
+#include "app/panel_sight.h"
 #include "config/settings.h"
 #include "dialogs/add_test_station_dialog.h"
 #include "dialogs/edit_settings_dialog.h"
@@ -84,6 +85,7 @@ void MainWindow::add_station(TestStation* station)
     connect(station, &TestStation::sig_repaint_chart_request, this,
             &MainWindow::slot_refresh_charts);
     connect(this, &MainWindow::sig_blink, station, &TestStation::slot_blink);
+    panel_sight->watch(station);
     slot_id_change();
     rebuild_cycle_checkbox_grid();
 }
