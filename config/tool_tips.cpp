@@ -6,6 +6,7 @@
 
 #include <QDomDocument>
 #include <QFile>
+#include <QHash>
 #include <QWidget>
 
 QMap<int, QString> ToolTips::tooltips;
@@ -40,6 +41,23 @@ void take_text(const QDomElement& element)
         show_error(QString("Tooltip %1 contains a double-quote.").arg(id));
     ToolTips::tooltips.insert(id, text.replace(". ", ".<br />"));
 }
+
+/** A text as rich text, in which it is wrapped and its line breaks count. */
+struct RichText
+{
+    QString text;  ///< what it was made of
+    QString rich;
+};
+
+/** Made once for all widgets that bear it: each panel of many would have copies of its own. */
+const QString& rich_text(int id, const QString& text)
+{
+    static QHash<int, RichText> made;
+    RichText& last = made[id];
+    if (last.rich.isNull() || last.text != text)
+        last = {text, "<qt>" + text + "</qt>"};
+    return last.rich;
+}
 }  // namespace
 
 void ToolTips::load(QString filename)
@@ -63,6 +81,5 @@ void ToolTips::assign(QWidget* widget, int id)
         return;
     }
     used_tooltip_ids.insert(id);
-    // As rich text it is wrapped, and its line breaks count.
-    widget->setToolTip("<qt>" + *text + "</qt>");
+    widget->setToolTip(rich_text(id, *text));
 }

@@ -73,6 +73,8 @@ private slots:
     void a_widget_gets_its_text_as_rich_text();
     void a_missing_id_is_shown_and_leaves_the_widget();
     void ids_handed_out_are_remembered();
+    void widgets_share_one_copy_of_a_text();
+    void a_text_defined_anew_reaches_the_widgets_that_ask_then();
     void a_thousand_texts_and_a_long_one_are_taken();
 };
 
@@ -279,6 +281,32 @@ void ToolTipsTest::ids_handed_out_are_remembered()
     ToolTips::assign(&label, 3);
     QCOMPARE(ToolTips::used_tooltip_ids, (QSet<int>{1, 3}));
     QCOMPARE(label.toolTip(), QString("<qt>c</qt>"));
+}
+
+void ToolTipsTest::widgets_share_one_copy_of_a_text()
+{
+    Document document("<dd id=\"1\">a</dd><dd id=\"2\">a</dd>");
+    QLabel labels[2];
+    for (QLabel& label : labels)
+        ToolTips::assign(&label, 1);
+    QVERIFY(labels[0].toolTip().isSharedWith(labels[1].toolTip()));
+}
+
+void ToolTipsTest::a_text_defined_anew_reaches_the_widgets_that_ask_then()
+{
+    Document document("<dd id=\"1\">a</dd>");
+    QLabel before;
+    ToolTips::assign(&before, 1);
+    document.load_also("<p><dd id=\"1\">b</dd></p>");
+    QLabel after;
+    ToolTips::assign(&after, 1);
+    QCOMPARE(before.toolTip(), QString("<qt>a</qt>"));
+    QCOMPARE(after.toolTip(), QString("<qt>b</qt>"));
+
+    // An empty text is one, too.
+    document.load_also("<p><dd id=\"1\"></dd></p>");
+    ToolTips::assign(&after, 1);
+    QCOMPARE(after.toolTip(), QString("<qt></qt>"));
 }
 
 void ToolTipsTest::a_thousand_texts_and_a_long_one_are_taken()
