@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QSpinBox>
 
+#include <optional>
+
 namespace
 {
 void pin_width(QWidget* widget, int width)
@@ -61,6 +63,38 @@ int length_beyond(const QString& text, const QFontMetrics& metrics, int width)
         length *= 2;
     return qMin(length, text.size());
 }
+
+/** The whole of a text or the longest cut of it; none if not even the shortest fits. */
+std::optional<QString> part_that_fits(const QString& text, const QFontMetrics& metrics,
+                                      int available)
+{
+    const auto fits = [&](const QString& candidate) {
+        return available > single_line_width(metrics, candidate);
+    };
+    const int longest = length_beyond(text, metrics, 2 * available);
+    if (longest == text.size() && fits(text))
+        return text;
+    for (int n = longest; n >= 0; --n) {
+        const QString cut = text.left(n) + "...";
+        if (fits(cut))
+            return cut;
+    }
+    return std::nullopt;
+}
+
+/** What became of a text for a label of this font and width. */
+struct ElidedText
+{
+    bool made_of(const QString& other, const QFont& other_font, int other_width) const
+    {
+        return available == other_width && text == other && font == other_font;
+    }
+
+    QString text;
+    QFont font;
+    int available = -1;  ///< no label's, before the first text
+    std::optional<QString> part;
+};
 }  // namespace
 
 void set_width_to_widest(QList<QWidget*> widgets, int extra)
@@ -102,22 +136,16 @@ void set_fitting_text(QLabel* label, const QString& text)
 void set_elided_text(QLabel* label, QString text, QString tooltip)
 {
     const int available = available_width(label);
-    const QFontMetrics metrics(label->font());
-    const auto fits = [&](const QString& candidate) {
-        return available > single_line_width(metrics, candidate);
-    };
-    const int longest = length_beyond(text, metrics, 2 * available);
-    if (longest == text.size() && fits(text)) {
-        label->setText(text);
-        label->setToolTip(tooltip);
+    // Kept, as panel after panel shows the same directory in the same room.
+    static auto& last = *new ElidedText;
+    if (!last.made_of(text, label->font(), available))
+        last = {text, label->font(), available,
+                part_that_fits(text, QFontMetrics(label->font()), available)};
+    if (!last.part.has_value())
         return;
-    }
-    for (int n = longest; n >= 0; --n) {
-        const QString cut = text.left(n) + "...";
-        if (!fits(cut))
-            continue;
-        label->setText(cut);
-        label->setToolTip(tooltip.isEmpty() ? text : text + "\n" + tooltip);
-        return;
-    }
+    const bool whole = *last.part == text;
+    label->setText(*last.part);
+    if (!whole)
+        tooltip = tooltip.isEmpty() ? text : text + "\n" + tooltip;
+    label->setToolTip(tooltip);
 }

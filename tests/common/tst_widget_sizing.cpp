@@ -76,6 +76,7 @@ private slots:
     void a_text_that_fits_is_shown_whole();
     void a_text_that_needs_all_the_room_is_cut();
     void a_cut_text_is_the_longest_that_fits();
+    void labels_of_other_fonts_get_cuts_of_their_own();
     void a_text_of_any_length_is_cut();
     void the_tooltip_of_a_cut_text_begins_with_all_of_it();
     void without_room_for_the_dots_the_label_stays();
@@ -261,6 +262,26 @@ void WidgetSizingTest::a_cut_text_is_the_longest_that_fits()
         QVERIFY(label_width(label, label.text()) < width);
         QVERIFY(label_width(label, text.left(kept + 1) + "...") >= width);
     }
+}
+
+void WidgetSizingTest::labels_of_other_fonts_get_cuts_of_their_own()
+{
+    const QString text = "/a/directory/with/a/rather/long/name";
+    QLabel labels[2];
+    QFont larger = labels[1].font();
+    larger.setPointSize(larger.pointSize() * 2);
+    labels[1].setFont(larger);
+    const int width = label_width(labels[0], text) / 2;
+    QString cuts[2];
+    for (int i : {0, 1, 0, 1}) {
+        labels[i].clear();
+        labels[i].setFixedWidth(width);
+        set_elided_text(&labels[i], text, "");
+        QVERIFY(cuts[i].isNull() || labels[i].text() == cuts[i]);
+        cuts[i] = labels[i].text();
+    }
+    QVERIFY(cuts[1].size() < cuts[0].size());
+    QVERIFY(label_width(labels[1], cuts[1]) < width);
 }
 
 void WidgetSizingTest::a_text_of_any_length_is_cut()
