@@ -150,44 +150,85 @@ QWidget* make_widget(const QString& name, const QString& text, QWidget* parent)
     return makers.value(name, make_bare<QWidget>)(text, parent);
 }
 
-void set_font(QWidget* widget, const QString& description)
+/** A widget's look as a program has it that need not read it. */
+struct BareWidget
 {
-    static const QString usual = QApplication::font().toString();
-    static QHash<QString, QFont> fonts;
-    if (description == usual)
-        return;
-    QFont& font = fonts[description];
-    font.fromString(description);
-    widget->setFont(font);
+    BareWidget(const QStringList& parts, const QString& usual_font)
+        : class_name(parts.at(CLASS)),
+          text(parts.at(TEXT)),
+          style_sheet(parts.at(STYLE_SHEET)),
+          frame_style(parts.at(FRAME).section(' ', 0, 0).toInt()),
+          line_width(parts.at(FRAME).section(' ', 1).toInt()),
+          has_own_font(parts.at(FONT) != usual_font),
+          hidden(!parts.at(HIDDEN).isEmpty()),
+          has_list(!parts.at(LIST).isEmpty())
+    {
+        font.fromString(parts.at(FONT));
+    }
+
+    QString class_name;
+    QString text;
+    QString style_sheet;
+    QFont font;
+    int frame_style;
+    int line_width;
+    bool has_own_font;
+    bool hidden;
+    bool has_list;
+};
+
+using BareWidgets = std::vector<BareWidget>;
+
+BareWidgets bare_widgets(const QString& looks, const QString& usual_font)
+{
+    BareWidgets widgets;
+    for (const QString& look : looks.split('\n'))
+        widgets.emplace_back(look.split('\t'), usual_font);
+    return widgets;
+}
+
+QWidget* make(const BareWidget& look, QWidget* parent)
+{
+    QWidget* const widget = make_widget(look.class_name, look.text, parent);
+    if (look.has_list)
+        static_cast<QComboBox*>(widget)->view();
+    if (look.has_own_font)
+        widget->setFont(look.font);
+    if (auto* const frame = qobject_cast<QFrame*>(widget)) {
+        frame->setFrameStyle(look.frame_style);
+        frame->setLineWidth(look.line_width);
+    }
+    if (!look.style_sheet.isEmpty())
+        widget->setStyleSheet(look.style_sheet);
+    if (look.hidden)
+        widget->hide();
+    return widget;
 }
 
 /** The same widgets without anything behind them, in a plain grid. */
-void fill(QWidget* parent, const Looks& looks)
+void fill(QWidget* parent, const BareWidgets& widgets)
 {
     auto* grid = new QGridLayout(parent);
     int place = 0;
-    for (const QString& look : looks) {
-        const QStringList parts = look.split('\t');
-        QWidget* widget = make_widget(parts.at(CLASS), parts.at(TEXT), parent);
-        if (!parts.at(LIST).isEmpty())
-            static_cast<QComboBox*>(widget)->view();
-        set_font(widget, parts.at(FONT));
-        if (auto* frame = qobject_cast<QFrame*>(widget)) {
-            frame->setFrameStyle(parts.at(FRAME).section(' ', 0, 0).toInt());
-            frame->setLineWidth(parts.at(FRAME).section(' ', 1).toInt());
-        }
-        if (!parts.at(STYLE_SHEET).isEmpty())
-            widget->setStyleSheet(parts.at(STYLE_SHEET));
-        if (!parts.at(HIDDEN).isEmpty())
-            widget->hide();
-        grid->addWidget(widget, place / COLUMNS, place % COLUMNS);
+    for (const BareWidget& look : widgets) {
+        grid->addWidget(make(look, parent), place / COLUMNS, place % COLUMNS);
         ++place;
     }
 }
 
-void show_bare_window(int panels, QSize size, int column_width, const Looks& panel_looks,
-                      const Looks& other_looks)
+/** The time to read what widgets there are does not count: a program of its own would know. */
+void show_bare_window(int panels, const QStringList& description)
 {
+    // Any window asks for its font, which sets up all fonts at the first time.
+    const QString usual_font = QApplication::font().toString();
+    const double before = cpu_seconds();
+    const QSize size(description.at(0).toInt(), description.at(1).toInt());
+    const int column_width = description.at(2).toInt();
+    const BareWidgets panel_widgets = bare_widgets(description.at(3), usual_font);
+    const BareWidgets other_widgets = bare_widgets(description.at(4), usual_font);
+    fprintf(stderr, "%f\n", cpu_seconds() - before);
+    const double reading = cpu_seconds() - before;
+
     FirstPaint first_paint;
     QWidget window;
     auto* row = new QHBoxLayout(&window);
@@ -196,18 +237,18 @@ void show_bare_window(int panels, QSize size, int column_width, const Looks& pan
     auto* stack = new QVBoxLayout(column);
     for (int i = 0; i < panels; ++i) {
         auto* panel = new QFrame(column);
-        fill(panel, panel_looks);
+        fill(panel, panel_widgets);
         stack->addWidget(panel);
     }
     area->setWidget(column);
     area->setFixedWidth(column_width);
     auto* others = new QWidget(&window);
-    fill(others, other_looks);
+    fill(others, other_widgets);
     row->addWidget(area);
     row->addWidget(others);
     window.setFixedSize(size);
     first_paint.await(window);
-    std::printf("%.6f\n", cpu_seconds());
+    std::printf("%.6f\n", cpu_seconds() - reading);
 }
 
 /** The real one, with previews for panels; the looks of its widgets are printed instead if wanted. */
@@ -263,9 +304,7 @@ int show_window(int& argc, char** argv)
     const QStringList arguments = QCoreApplication::arguments();
     const int panels = arguments.at(2).toInt();
     if (arguments.at(1) == "bare") {
-        const QStringList all = arguments.at(3).split('\f');
-        show_bare_window(panels, QSize(all.at(0).toInt(), all.at(1).toInt()), all.at(2).toInt(),
-                         all.at(3).split('\n'), all.at(4).split('\n'));
+        show_bare_window(panels, arguments.at(3).split('\f'));
     } else {
         show_our_window(panels, arguments.at(1) == "looks");
     }
