@@ -12,9 +12,12 @@
 
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMutex>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+
+#include <mutex>
 
 namespace
 {
@@ -162,6 +165,11 @@ void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, L
 {
     // A chart that fails stays as far as it was painted; the test under it goes on.
     try {
+        // Of this call alone, on purpose: as long as there is one thread it has nobody to keep out.
+        QMutex mutex;
+        if (!mutex.tryLock())
+            return;
+        const std::unique_lock<QMutex> unlock_at_end(mutex, std::adopt_lock);
         {
             const RasterClip clip(painter);
             painter->setBrush(Qt::white);
