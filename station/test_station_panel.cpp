@@ -86,6 +86,8 @@ void set_up_readouts(const Ui::TestStation& ui)
     for (QLabel* label : {ui.laStationID, ui.laPhase, ui.laVoltage, ui.laCurrent,
                           ui.laCummAmpHours2, ui.laCycleNumber, ui.laCummAmpHours,
                           ui.laCummWattHours, ui.laIntResistance, ui.laElapsedTime}) {
+        // Or each text would ask the window, past all that lies between, where its screen is cut out.
+        label->setAttribute(Qt::WA_ContentsMarginsRespectsSafeArea, false);
         // Before the height is asked for: a change of the format has the label measured anew.
         label->setTextFormat(Qt::PlainText);
         label->setFixedHeight(label->minimumSizeHint().height());
