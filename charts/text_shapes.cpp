@@ -29,8 +29,9 @@ bool has_lines(const QFont& font)
 
 bool is_plain(const QString& text)
 {
+    // A line separator counts as printable, but a layout begins a new line with it.
     const auto has_glyph = [](QChar letter) {
-        return letter.isPrint();
+        return letter.isPrint() && letter != QChar::LineSeparator;
     };
     return text.size() <= LONGEST_TEXT && std::all_of(text.begin(), text.end(), has_glyph);
 }

@@ -39,6 +39,9 @@ namespace
 constexpr double ANCHOR_X = 150.0;
 constexpr double ANCHOR_Y = 60.5;
 
+/** Laid out on two lines, and drawn at a point on one. */
+const QString LINE_SEPARATED = QString("a") + QChar(QChar::LineSeparator) + "b";
+
 QImage blank(const Look& look)
 {
     QImage image(400, 200, QImage::Format_ARGB32_Premultiplied);
@@ -79,9 +82,9 @@ QImage drawn_by_plot_text(const Look& look, const QString& text)
     });
 }
 
-QFont with_line(QFont font)
+QFont with_line(QFont font, void (QFont::*line)(bool) = &QFont::setUnderline)
 {
-    font.setUnderline(true);
+    (font.*line)(true);
     return font;
 }
 
@@ -115,6 +118,7 @@ void TextShapesTest::texts_look_as_when_drawn_the_plain_way_data()
         "  spaces  ",
         "a\tb",
         "a\nb",
+        LINE_SEPARATED,
         "",
         QString("0123456789").repeated(8),
     };
@@ -160,9 +164,12 @@ void TextShapesTest::what_is_not_plain_is_left_to_the_painter_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("a tab") << Look() << "a\tb";
     QTest::newRow("two lines") << Look() << "a\nb";
+    QTest::newRow("a line separator") << Look() << LINE_SEPARATED;
     QTest::newRow("long") << Look() << QString(65, 'x');
     QTest::newRow("turned") << Look{QFont(), 90} << "1";
     QTest::newRow("underlined") << Look{with_line(QFont())} << "1";
+    QTest::newRow("overlined") << Look{with_line(QFont(), &QFont::setOverline)} << "1";
+    QTest::newRow("struck out") << Look{with_line(QFont(), &QFont::setStrikeOut)} << "1";
 }
 
 void TextShapesTest::what_is_not_plain_is_left_to_the_painter()
