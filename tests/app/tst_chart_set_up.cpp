@@ -207,6 +207,7 @@ void ChartSetUpTest::the_refresh_rate_comes_from_the_settings_data()
     QTest::newRow("no divisor") << 7 << 142;
     QTest::newRow("once a second") << 1 << 1000;
     QTest::newRow("none, by hand") << 0 << 1000;
+    QTest::newRow("thousands, by hand") << 5000 << 1;
 }
 
 void ChartSetUpTest::the_refresh_rate_comes_from_the_settings()

@@ -6,15 +6,74 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QtTest>
 
 #include <limits>
+#include <new>
 
 namespace
 {
 constexpr double INF = std::numeric_limits<double>::infinity();
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/** Has memory for the ground of a chart, and for nothing more. */
+class FailingEngine : public QPaintEngine
+{
+public:
+    FailingEngine() : QPaintEngine(AllFeatures)
+    {
+    }
+
+    bool begin(QPaintDevice*) override
+    {
+        return true;
+    }
+
+    bool end() override
+    {
+        return true;
+    }
+
+    Type type() const override
+    {
+        return User;
+    }
+
+    void updateState(const QPaintEngineState&) override
+    {
+    }
+
+    void drawRects(const QRectF*, int) override
+    {
+        if (++rects == 2)
+            throw std::bad_alloc();
+    }
+
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override
+    {
+    }
+
+    int rects = 0;
+};
+
+class FailingDevice : public QPaintDevice
+{
+public:
+    QPaintEngine* paintEngine() const override
+    {
+        return &engine;
+    }
+
+    mutable FailingEngine engine;
+
+protected:
+    int metric(PaintDeviceMetric which) const override
+    {
+        return which == PdmWidth || which == PdmHeight ? 500 : 96;
+    }
+};
 }  // namespace
 
 /** Curves and boxes of which no sensible chart can be made, under the mouse. */
@@ -27,6 +86,7 @@ private slots:
     void strange_curves_are_survived();
     void a_box_without_room_is_survived_data();
     void a_box_without_room_is_survived();
+    void a_device_that_fails_ends_that_paint_only();
 };
 
 void StrangeChartsTest::strange_curves_are_survived_data()
@@ -94,6 +154,22 @@ void StrangeChartsTest::a_box_without_room_is_survived()
     emit bench.upper->sig_paint(&painter, QRect(QPoint(0, 0), size));
     emit bench.upper->sig_paint(&painter, QRect(QPoint(10, 10), QSize(-50, -50)));
     QVERIFY(painter.isActive());
+}
+
+void StrangeChartsTest::a_device_that_fails_ends_that_paint_only()
+{
+    ChartWindow bench;
+    bench.add_cycle(bench.add_station(4), CURVE);
+    bench.window->slot_refresh_charts();
+    const QImage before = bench.shown(bench.upper);
+    FailingDevice device;
+    QPainter painter(&device);
+    emit bench.upper->sig_paint(&painter, QRect(0, 0, 500, 500));
+    // The ground and the frame, but neither labels nor the frame's second time.
+    QCOMPARE(device.engine.rects, 2);
+    painter.end();
+    bench.upper->repaint();
+    QCOMPARE(bench.shown(bench.upper), before);
 }
 
 QTEST_MAIN(StrangeChartsTest)

@@ -45,6 +45,8 @@ private slots:
     void spacings_are_round();
     void a_range_that_has_no_grid_is_left_alone_data();
     void a_range_that_has_no_grid_is_left_alone();
+    void a_grid_has_an_end_data();
+    void a_grid_has_an_end();
     void indices_round_half_away_from_zero();
     void the_axis_with_fewer_intervals_grows_at_its_top();
     void equal_counts_change_nothing();
@@ -234,6 +236,28 @@ void AxisTest::a_range_that_has_no_grid_is_left_alone()
     axis.min_gridline_index();
     axis.max_gridline_index();
     axis.num_intervals();
+}
+
+void AxisTest::a_grid_has_an_end_data()
+{
+    QTest::addColumn<double>("min");
+    QTest::addColumn<double>("max");
+    QTest::addColumn<bool>("grid");
+    QTest::newRow("a thousand intervals") << -250.0 << 250.0 << true;
+    QTest::newRow("one more") << -250.0 << 250.5 << false;
+    QTest::newRow("far above") << 5e8 - 5.0 << 5e8 << true;
+    QTest::newRow("too far above") << 5e8 - 5.0 << 5e8 + 0.5 << false;
+    QTest::newRow("far below") << -5e8 << 5.0 - 5e8 << true;
+    QTest::newRow("too far below") << -5e8 - 0.5 << 5.0 - 5e8 << false;
+}
+
+void AxisTest::a_grid_has_an_end()
+{
+    QFETCH(double, min);
+    QFETCH(double, max);
+    Axis axis = axis_with(BOTTOM, 0, 480, min, max);
+    axis.gridline_spacing = 0.5;
+    QTEST(axis.has_grid(), "grid");
 }
 
 void AxisTest::indices_round_half_away_from_zero()

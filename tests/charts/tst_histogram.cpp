@@ -25,6 +25,8 @@ private slots:
     void one_value_draws_no_bar();
     void the_axes_fit_the_rectangle_and_whole_bins();
     void without_series_there_are_frame_tick_and_caption();
+    void the_value_axis_has_its_caption_near_the_device_s_top();
+    void bars_far_away_are_drawn_without_overflow();
     void drawing_again_gives_the_same();
     void drawings_are_as_recorded();
     void the_look_is_as_expected();
@@ -218,6 +220,36 @@ void HistogramTest::without_series_there_are_frame_tick_and_caption()
     QCOMPARE(texts.size(), 2);
     QVERIFY(texts.at(0).endsWith(" 0"));
     QVERIFY(texts.at(1).endsWith(" Frequency"));
+}
+
+void HistogramTest::the_value_axis_has_its_caption_near_the_device_s_top()
+{
+    Bench bench;
+    bench.histogram.x_axis.caption = "Ah";
+    const QStringList places = bench.record().drawn("transform");
+    // A line of 11 pixels above the third one, in the middle of 60..459.
+    QCOMPARE(places.last(), QString("1 0 0 1 at 259,22"));
+}
+
+void HistogramTest::bars_far_away_are_drawn_without_overflow()
+{
+    Bench bench;
+    HistogramSeries& series = bench.add("", {});
+    series.bins = {0, 1};
+    Axis& x = bench.histogram.x_axis;
+    Axis& y = bench.histogram.y_axis;
+    x.range = Interval();
+    x.range.include(1.5);
+    x.range.include(1.5 + 1e-12);
+    y.range.include(1.0);
+    y.range.include(1.0 + 1e-12);
+    x.length = 300;
+    y.length = 100;
+    RecordingPaintDevice device(400, 200);
+    QPainter painter(&device);
+    series.plot(&painter, 1.0, 0, 1);
+    painter.end();
+    QCOMPARE(device.drawn("rect"), QStringList("-536870912,0 1073741824x536870912"));
 }
 
 void HistogramTest::drawing_again_gives_the_same()

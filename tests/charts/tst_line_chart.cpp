@@ -33,6 +33,8 @@ private slots:
     void a_zoom_is_widened_to_the_next_gridlines();
     void twin_axes_get_equal_interval_counts();
     void paper_has_pens_of_its_own();
+    void the_painter_s_clip_gives_way_to_the_plot_area();
+    void gridlines_have_the_label_font_by_themselves();
     void the_latest_layout_stays_in_the_axes();
     void all_series_can_be_locked();
 };
@@ -321,6 +323,38 @@ void LineChartTest::paper_has_pens_of_its_own()
     QCOMPARE(pens.takeLast(), "#0000ff width 4.166666667" + style);
     pens.removeDuplicates();
     QCOMPARE(pens.mid(0, 3), QStringList({text, vertical, horizontal}));
+}
+
+void LineChartTest::the_painter_s_clip_gives_way_to_the_plot_area()
+{
+    ChartBench bench;
+    one(bench);
+    RecordingPaintDevice device(600, 300);
+    QImage image(600, 300, QImage::Format_ARGB32_Premultiplied);
+    for (QPaintDevice* const target :
+         {static_cast<QPaintDevice*>(&device), static_cast<QPaintDevice*>(&image)}) {
+        QPainter painter(target);
+        painter.setClipRect(QRect(0, 0, 100, 50));
+        bench.plot(&painter);
+        QVERIFY(!painter.hasClipping());
+        bench.plot(&painter);
+        QVERIFY(!painter.hasClipping());
+    }
+    const QString plot_area = rect_text(plot_area_of(bench.chart));
+    QCOMPARE(device.drawn("clip"),
+             QStringList({"0,0 100x50", plot_area, "none", plot_area, "none"}));
+}
+
+void LineChartTest::gridlines_have_the_label_font_by_themselves()
+{
+    ChartBench bench;
+    one(bench);
+    bench.record();
+    RecordingPaintDevice device(600, 300);
+    QPainter painter(&device);
+    painter.setFont(pinned_font(30));
+    bench.chart.plot_gridlines(&painter, plot_area_of(bench.chart), 96, false);
+    QCOMPARE(painter.font().pointSize(), 8);
 }
 
 void LineChartTest::the_latest_layout_stays_in_the_axes()

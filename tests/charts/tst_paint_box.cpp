@@ -16,6 +16,7 @@ private slots:
     void a_disabled_box_ignores_the_mouse();
     void a_drag_shows_a_band_and_reports_its_rectangle_data();
     void a_drag_shows_a_band_and_reports_its_rectangle();
+    void the_band_is_gone_when_its_rectangle_is_reported();
     void a_click_reports_a_rectangle_without_size();
     void every_button_can_drag_data();
     void every_button_can_drag();
@@ -149,6 +150,20 @@ void PaintBoxTest::a_drag_shows_a_band_and_reports_its_rectangle()
     QCOMPARE(test.reported(), rect);
     QCOMPARE(rect.width(), qAbs(to.x() - from.x()));
     QCOMPARE(rect.height(), qAbs(to.y() - from.y()));
+}
+
+/** The listener may show a message box, under which the mouse moves on. */
+void PaintBoxTest::the_band_is_gone_when_its_rectangle_is_reported()
+{
+    Box test;
+    QList<bool> gone;
+    connect(&test.box, &PaintBox::sig_rubberband, [&] {
+        gone << (test.band() == nullptr);
+        test.release({70, 70});
+    });
+    test.press({10, 10});
+    test.release({50, 60});
+    QCOMPARE(gone, QList<bool>{true});
 }
 
 void PaintBoxTest::a_click_reports_a_rectangle_without_size()

@@ -19,6 +19,7 @@ private slots:
     void colors_exist_before_main();
     void brightness_is_perceived_data();
     void brightness_is_perceived();
+    void a_gray_is_as_bright_as_its_channels();
 };
 
 void ColorsTest::colors_have_their_channels_data()
@@ -88,6 +89,12 @@ void ColorsTest::brightness_is_perceived()
     QFETCH(QColor, color);
     QFETCH(int, brightness);
     QCOMPARE(grayscale_value(color), brightness);
+}
+
+void ColorsTest::a_gray_is_as_bright_as_its_channels()
+{
+    for (int channel = 0; channel < 256; ++channel)
+        QCOMPARE(grayscale_value(QColor(channel, channel, channel)), channel);
 }
 
 QTEST_GUILESS_MAIN(ColorsTest)
