@@ -11,6 +11,7 @@
 #include <QTextStream>
 
 #include <cerrno>
+#include <poll.h>
 
 namespace
 {
@@ -25,10 +26,19 @@ bool is_fatal(QSerialPort::SerialPortError error)
            error == QSerialPort::WriteError;
 }
 
-/** A line that takes no more bytes for now: reported as if it were gone, but its telemetry goes on. */
-bool is_only_full(const QSerialPort& port)
+bool is_hung_up(QSerialPort& port)
 {
-    return port.errorString() == qt_error_string(EAGAIN);
+    pollfd line = {port.handle(), 0, 0};
+    return ::poll(&line, 1, 0) != 0;  // asked for nothing, it tells of an end only
+}
+
+/**
+ * A line that takes no more bytes for now: reported as if it were gone, but its telemetry goes on. One
+ * that is gone may be reported in the same words, left over from an earlier call.
+ */
+bool is_only_full(QSerialPort& port)
+{
+    return port.errorString() == qt_error_string(EAGAIN) && !is_hung_up(port);
 }
 }  // namespace
 
