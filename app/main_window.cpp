@@ -11,6 +11,8 @@
 #include "dialogs/edit_settings_dialog.h"
 #include "station/test_station.h"
 
+#include <QScrollBar>
+
 #include <cstdlib>
 
 namespace
@@ -34,6 +36,9 @@ MainWindow::MainWindow(QWidget* parent)
     ToolTips::load(":/help.html");
     ui->setupUi(this);
     panel_sight = new PanelSight(ui->scrollArea);
+    // Queued: the bar itself shows or hides after its range has changed.
+    connect(ui->scrollArea->verticalScrollBar(), &QScrollBar::rangeChanged, this,
+            &MainWindow::make_room_for_scroll_bar, Qt::QueuedConnection);
     ToolTips::assign(ui->pbNewTestStation, 62);
     set_up_chart_boxes();
     set_up_chart_controls();

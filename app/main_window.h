@@ -64,6 +64,7 @@ private:
     bool directories_set();
     void edit_settings();
     void adopt_panel_width();
+    void make_room_for_scroll_bar();
 
     // ---- main_window_selection.cpp: the grid of ticks and colours above -----
 public:

@@ -135,6 +135,13 @@ void MainWindow::adopt_panel_width()
     set_lhs_width();
 }
 
+/** A scroll bar that comes would lie on the panels' close buttons until the next start. */
+void MainWindow::make_room_for_scroll_bar()
+{
+    if (Settings::get_test_station_width_px() > 0)
+        set_lhs_width();
+}
+
 void MainWindow::set_lhs_width()
 {
     const int measured = Settings::get_test_station_width_px();

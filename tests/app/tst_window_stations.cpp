@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QScrollArea>
+#include <QScrollBar>
 
 #include <limits>
 
@@ -28,6 +29,7 @@ private slots:
     void closing_a_running_station_asks();
     void a_station_closes_by_the_mouse_on_its_x();
     void the_left_column_follows_the_panels_width();
+    void a_scroll_bar_that_comes_or_goes_leaves_the_panels_their_width();
     void the_left_column_is_half_the_window_before_a_panel_was_seen();
     void an_impossible_width_in_the_file_counts_as_not_measured_data();
     void an_impossible_width_in_the_file_counts_as_not_measured();
@@ -239,6 +241,27 @@ void WindowStationsTest::the_left_column_follows_the_panels_width()
     QFile file(Settings::get_settings_filename());
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("test_station_width_px=" + QByteArray::number(panel) + "\n"));
+}
+
+void WindowStationsTest::a_scroll_bar_that_comes_or_goes_leaves_the_panels_their_width()
+{
+    WindowBench bench;
+    bench.add_preview();
+    bench.window->slot_blink();
+    const int panel = TestStation::all_instances.first()->width();
+    const auto* area = bench.window->findChild<QScrollArea*>("scrollArea");
+    QTRY_COMPARE(area->viewport()->width(), panel);
+    QVERIFY(!area->verticalScrollBar()->isVisible());
+
+    for (int i = 0; i < 9; ++i)
+        bench.add_preview();
+    QTRY_VERIFY(area->verticalScrollBar()->isVisible());
+    QTRY_COMPARE(area->viewport()->width(), panel);
+
+    while (TestStation::all_instances.size() > 1)
+        bench.window->slot_close_request(TestStation::all_instances.last());
+    QTRY_VERIFY(!area->verticalScrollBar()->isVisible());
+    QTRY_COMPARE(area->viewport()->width(), panel);
 }
 
 void WindowStationsTest::the_left_column_is_half_the_window_before_a_panel_was_seen()
