@@ -33,6 +33,11 @@ QString string_before(QString text, QString delimiter)
     return before;
 }
 
+QString in_one_line(QString text)
+{
+    return text.replace('\n', ' ');
+}
+
 QString round(double value, int decimals)
 {
     return QString::number(value, 'f', decimals);

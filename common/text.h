@@ -15,6 +15,9 @@ bool split_at_first(QString text, QString& before, QString delimiter, QString& a
 /** The text before the first delimiter; empty if there is none. */
 QString string_before(QString text, QString delimiter);
 
+/** Blanks in place of line breaks: for a file in which every line is a record. */
+QString in_one_line(QString text);
+
 /** Formats with a fixed number of decimals: round(1.005, 1) is "1.0". It rounds no number. */
 QString round(double value, int decimals);
 

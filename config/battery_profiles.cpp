@@ -1,6 +1,7 @@
 #include "config/battery_profiles.h"
 
 #include "common/parse_int.h"
+#include "common/text.h"
 #include "common/truncated_int.h"
 #include "config/settings.h"
 
@@ -154,17 +155,10 @@ bool read_line(const QStringRef& line, BatteryProfile*& current)
     return current != nullptr && read_variable(line, equals_sign, *current);
 }
 
-/**
- * A name can have been pasted in several lines, which the panel shows with blanks between them. In the
- * file the second one would be a variable, or nothing, and the program could not start any more.
- */
-QString in_one_line(QString name)
-{
-    return name.replace('\n', ' ');
-}
-
 void write_profile(QTextStream& stream, BatteryProfile& profile)
 {
+    // A name can have been pasted in several lines, which the panel shows with blanks between them. Here
+    // the second one would be a variable, or nothing, and the program could not start any more.
     stream << QString("[%1]\n").arg(in_one_line(profile.description));
     for (const Field& field : FIELDS)
         stream << QString("%1=%2\n").arg(field.key, field.written(profile));

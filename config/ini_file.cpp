@@ -9,12 +9,6 @@
 
 namespace
 {
-/** The name of a directory may have a line break. What follows it would keep the file from loading. */
-QString in_one_line(QString value)
-{
-    return value.replace('\n', ' ');
-}
-
 void write_section(QTextStream& stream, const QString& name, const INISection& section)
 {
     stream << "[" << name << "]\n";
@@ -22,6 +16,7 @@ void write_section(QTextStream& stream, const QString& name, const INISection& s
     for (const QString& variable : variables) {
         QString value;
         section.get_value(variable, value);
+        // A directory's name may have a line break: what follows it would keep the file from loading.
         stream << variable << "=" << in_one_line(value) << "\n";
     }
     stream << "\n";

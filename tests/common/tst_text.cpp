@@ -19,6 +19,7 @@ private slots:
     void split_at_first_may_write_into_its_own_text();
     void string_before_gives_the_text_before_the_delimiter_data();
     void string_before_gives_the_text_before_the_delimiter();
+    void line_breaks_become_blanks();
     void round_formats_with_fixed_decimals_data();
     void round_formats_with_fixed_decimals();
     void round_hides_no_rounding_of_numbers();
@@ -242,6 +243,12 @@ void TextTest::string_before_gives_the_text_before_the_delimiter()
     QFETCH(QString, delimiter);
     QFETCH(QString, before);
     QCOMPARE(string_before(text, delimiter), before);
+}
+
+void TextTest::line_breaks_become_blanks()
+{
+    QCOMPARE(in_one_line("\na\n\nb\tc\n"), QString(" a  b\tc "));
+    QCOMPARE(in_one_line(""), QString());
 }
 
 void TextTest::round_formats_with_fixed_decimals_data()
