@@ -23,8 +23,14 @@ struct PixelMap
     double direction;  ///< +1 or -1
     double origin;     ///< pixels
 
+    /** Not yet truncated. */
+    double position(double value) const
+    {
+        return scale * ((value - minimum) * direction) + origin;
+    }
+
     int map(double value) const
     {
-        return to_pixel(scale * ((value - minimum) * direction) + origin);
+        return to_pixel(position(value));
     }
 };

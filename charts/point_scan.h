@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using PointIterator = QList<QPointF>::const_iterator;
+
 /**
  * A walk over points, in order. A list keeps every point in a node of its own, and waiting for those
  * is most of a long scan: they are fetched some way ahead of their use.
@@ -12,10 +14,10 @@
 class PointScan
 {
 public:
-    explicit PointScan(const QList<QPointF>& points)
-        : point(points.constBegin()),
-          last_fetch(points.constEnd() - std::min(NODES_AHEAD, points.size())),
-          end(points.constEnd())
+    PointScan(PointIterator begin, PointIterator new_end)
+        : point(begin),
+          last_fetch(new_end - std::min(NODES_AHEAD, static_cast<int>(new_end - begin))),
+          end(new_end)
     {
     }
 
@@ -46,15 +48,15 @@ public:
 private:
     static constexpr int NODES_AHEAD = 48;
 
-    QList<QPointF>::const_iterator point;
-    const QList<QPointF>::const_iterator last_fetch;
-    const QList<QPointF>::const_iterator end;
+    PointIterator point;
+    const PointIterator last_fetch;
+    const PointIterator end;
 };
 
 /** Calls `visit` with each point, in order. */
-template <typename Visit> void for_each_point(const QList<QPointF>& points, Visit visit)
+template <typename Visit> void for_each_point(PointIterator begin, PointIterator end, Visit visit)
 {
-    PointScan(points).visit_while([&visit](const QPointF& point) {
+    PointScan(begin, end).visit_while([&visit](const QPointF& point) {
         visit(point);
         return true;
     });

@@ -1,7 +1,9 @@
 #include "charts/series.h"
 
+#include "charts/averaged_polylines.h"
+#include "charts/bucket_scan.h"
 #include "charts/chart_pen.h"
-#include "charts/point_scan.h"
+#include "charts/point_map.h"
 #include "common/assertions.h"
 
 #include <QPainter>
@@ -10,39 +12,6 @@
 
 namespace
 {
-
-/** Sums of points, added in their order. */
-struct Bucket
-{
-    double sum_x = 0.0;
-    double sum_y = 0.0;
-    int count = 0;
-
-    void add(const QPointF& point)
-    {
-        sum_x += point.x();
-        sum_y += point.y();
-        ++count;
-    }
-
-    /** NaN if empty. Most buckets of a curve that is not smoothed hold one: it needs no division. */
-    QPointF mean() const
-    {
-        return count == 1 ? QPointF(sum_x, sum_y) : QPointF(sum_x / count, sum_y / count);
-    }
-};
-
-/** Both axes as values: the address of such a local goes nowhere, so that no store makes it stale. */
-struct PointMap
-{
-    PixelMap x;
-    PixelMap y;
-
-    QPointF map(const QPointF& point) const
-    {
-        return QPointF(x.map(point.x()), y.map(point.y()));
-    }
-};
 
 /** Room for vertices that nobody clears: for long curves that costs as much as a pass over them. */
 class VertexRoom
@@ -68,69 +37,26 @@ void draw_every_point(QPainter* painter, const QList<QPointF>& points, const Poi
 {
     const VertexRoom room(points.size());
     QPointF* end = room.begin;
-    for_each_point(points,
+    for_each_point(points.constBegin(), points.constEnd(),
                    [&end, map](const QPointF& point) { new (end++) QPointF(map.map(point)); });
     painter->drawPolyline(room.begin, points.size());
 }
 
-/**
- * Adds the points up to the boundary, if there are any. The sums are the function's own: in an object
- * they would go to memory and back at every point.
- */
-Bucket fill(Bucket sums, PointScan& scan, double boundary)
-{
-    scan.visit_while([&sums, boundary](const QPointF& next) {
-        if (next.x() > boundary)
-            return false;
-        sums.add(next);
-        return true;
-    });
-    return sums;
-}
-
-/**
- * First point, bucket means, last point. The boundary grows by one interval per test, so that points
- * behind a gap are buckets of one until it has caught up. A first bucket may be empty: its NaN is
- * mapped like any mean and lies far outside of the clip rectangle.
- */
-template <typename Append>
-void append_averaged(const QList<QPointF>& points, const PointMap map, double interval,
-                     Append append)
-{
-    append(map.map(points.first()));
-    PointScan scan(points);
-    double boundary = interval;
-    Bucket bucket = fill(Bucket(), scan, boundary);
-    while (!scan.at_end()) {
-        append(map.map(bucket.mean()));
-        bucket = Bucket();
-        boundary += interval;
-        bucket.add(scan.next());
-        bucket = fill(bucket, scan, boundary);
-    }
-    append(map.map(bucket.mean()));
-    append(map.map(points.last()));
-}
-
-void draw_averaged(QPainter* painter, const QList<QPointF>& points, const PointMap map,
-                   double interval)
+/** About a bucket per point, and never more: room for all of them needs no test at each. */
+void draw_small_buckets(QPainter* painter, const QList<QPointF>& points, const PointMap map,
+                        double interval)
 {
     const int ends_and_last_mean = 3;
-    const double buckets = points.last().x() / interval;
-    if (buckets >= 0.0 && buckets < points.size() / 8) {
-        QPolygonF vertices;
-        vertices.reserve(to_pixel(buckets) + ends_and_last_mean);
-        append_averaged(points, map, interval,
-                        [&vertices](const QPointF& vertex) { vertices.append(vertex); });
-        painter->drawPolyline(vertices);
-        return;
-    }
-
-    // About a bucket per point and never more: room for all of them needs no test at each.
     const VertexRoom room(points.size() + ends_and_last_mean);
     QPointF* end = room.begin;
-    append_averaged(points, map, interval,
-                    [&end](const QPointF& vertex) { new (end++) QPointF(vertex); });
+    const auto append = [&end, map](const QPointF& point) {
+        new (end++) QPointF(map.map(point));
+    };
+    append(points.first());
+    BucketScan scan(interval);
+    scan.take(points.constBegin(), points.constEnd(), append);
+    append(scan.last_mean());
+    append(points.last());
     painter->drawPolyline(room.begin, static_cast<int>(end - room.begin));
 }
 
@@ -182,7 +108,8 @@ double Series::avg_y() const
     if (points.isEmpty())
         return 0.0;
     double sum = 0.0;
-    for_each_point(points, [&sum](const QPointF& point) { sum += point.y(); });
+    for_each_point(points.constBegin(), points.constEnd(),
+                   [&sum](const QPointF& point) { sum += point.y(); });
     return sum / points.size();
 }
 
@@ -238,6 +165,10 @@ QPointF Series::unmap_point(QPoint point) const
 void Series::plot(QPainter* painter, ChartStyle style, double averaging_interval, int dot_radius,
                   int dpi, bool print) const
 {
+    if (is_reduced(style, averaging_interval)) {
+        plot_polyline(painter, averaged_polylines({this}, averaging_interval).first(), dpi, print);
+        return;
+    }
     painter->setPen(print ? half_point_pen(pen, dpi) : pen);
     if (style == DOTS) {
         for (const QPointF& point : points)
@@ -251,7 +182,21 @@ void Series::plot(QPainter* painter, ChartStyle style, double averaging_interval
     if (averaging_interval > points.last().x())
         draw_every_point(painter, points, map);
     else
-        draw_averaged(painter, points, map, averaging_interval);
+        draw_small_buckets(painter, points, map, averaging_interval);
+}
+
+bool Series::is_reduced(ChartStyle style, double averaging_interval) const
+{
+    if (style != LINES || points.isEmpty() || averaging_interval > points.last().x())
+        return false;
+    const double buckets = points.last().x() / averaging_interval;
+    return buckets >= 0.0 && buckets < points.size() / 8;
+}
+
+void Series::plot_polyline(QPainter* painter, const QPolygonF& vertices, int dpi, bool print) const
+{
+    painter->setPen(print ? half_point_pen(pen, dpi) : pen);
+    painter->drawPolyline(vertices);
 }
 
 QPolygonF smooth(QPolygonF polygon, int window)

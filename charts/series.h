@@ -60,6 +60,12 @@ public:
     void plot(QPainter* painter, ChartStyle style, double averaging_interval, int dot_radius,
               int dpi, bool print) const;
 
+    /** True if averaging leaves far fewer vertices than points. */
+    bool is_reduced(ChartStyle style, double averaging_interval) const;
+
+    /** The second half of `plot`, for a polyline that was worked out together with others'. */
+    void plot_polyline(QPainter* painter, const QPolygonF& vertices, int dpi, bool print) const;
+
     Axis* x_axis = nullptr;  ///< not owned, top or bottom
     Axis* y_axis = nullptr;  ///< not owned, left or right
     QList<QPointF> points;   ///< in order of arrival, x expected not to fall

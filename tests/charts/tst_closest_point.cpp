@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <random>
@@ -70,6 +72,11 @@ ClosestPoint plainly_closest(const QList<Series*>& list, QPoint pixel)
     }
     return closest;
 }
+
+bool lies_left_of(const QPointF& a, const QPointF& b)
+{
+    return a.x() < b.x();
+}
 }  // namespace
 
 class ClosestPointTest : public QObject
@@ -91,6 +98,7 @@ private slots:
     void a_point_that_is_no_number_lies_far_away();
     void the_ends_of_the_pixel_range_are_still_measured();
     void a_chart_without_span_is_searched();
+    void random_curves_give_what_the_plain_rule_gives_data();
     void random_curves_give_what_the_plain_rule_gives();
 };
 
@@ -234,17 +242,44 @@ void ClosestPointTest::a_chart_without_span_is_searched()
     QCOMPARE(bench.find(10, 10).series, &series);
 }
 
+void ClosestPointTest::random_curves_give_what_the_plain_rule_gives_data()
+{
+    QTest::addColumn<double>("grid");
+    QTest::addColumn<double>("offset");
+    QTest::addColumn<bool>("in_order");
+    QTest::newRow("strewn") << 1e-6 << 0.0 << false;
+    QTest::newRow("in order") << 1e-6 << 0.0 << true;
+    QTest::newRow("strewn, many equally near") << 40.0 << 0.0 << false;
+    QTest::newRow("in order, many equally near") << 40.0 << 0.0 << true;
+    QTest::newRow("equally near in single precision") << 1e-6 << 1e9 << false;
+    QTest::newRow("partly beyond the pixels") << 1e-6 << double(MAX_PIXEL) - 500.0 << false;
+    QTest::newRow("partly beyond the pixels on the left") << 1e-6 << double(MIN_PIXEL) << true;
+}
+
 void ClosestPointTest::random_curves_give_what_the_plain_rule_gives()
 {
+    QFETCH(double, grid);
+    QFETCH(double, offset);
+    QFETCH(bool, in_order);
     std::mt19937 random(4711);
-    std::uniform_real_distribution<double> coordinate(-200.0, 1200.0);
+    std::uniform_real_distribution<double> anywhere(-200.0, 1200.0);
+    const auto coordinate = [&] {
+        return std::round(anywhere(random) / grid) * grid;
+    };
     std::uniform_int_distribution<int> mouse(0, 1000);
     Bench bench;
-    for (int curve = 0; curve < 5; ++curve) {
-        Series& series = bench.add({});
-        for (int i = 0; i < 400; ++i)
-            series.add(coordinate(random), coordinate(random));
+    for (int curve = 0; curve < 5; ++curve)
+        bench.add({});
+    for (int i = 0; i < 400; ++i) {
+        for (Series* const series : qAsConst(bench.list))
+            series->add(offset + coordinate(), coordinate());
     }
+
+    for (Series* const series : qAsConst(bench.list)) {
+        if (in_order)
+            std::sort(series->points.begin(), series->points.end(), lies_left_of);
+    }
+    std::reverse(bench.list.begin(), bench.list.end());
     for (int i = 0; i < 500; ++i) {
         const QPoint pixel(mouse(random), mouse(random));
         const ClosestPoint expected = plainly_closest(bench.list, pixel);
