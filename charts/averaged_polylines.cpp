@@ -23,7 +23,7 @@ struct Averaging
     }
 };
 
-Averaging begin(const Series& curve, double interval)
+Averaging begin_averaging(const Series& curve, double interval)
 {
     const int ends_and_last_mean = 3;
     const double buckets = curve.points.last().x() / interval;
@@ -34,7 +34,7 @@ Averaging begin(const Series& curve, double interval)
     return averaging;
 }
 
-QPolygonF end(Averaging& averaging, const Series& curve)
+QPolygonF finish(Averaging& averaging, const Series& curve)
 {
     averaging.append(averaging.scan.last_mean());
     averaging.append(curve.points.last());
@@ -48,7 +48,7 @@ QVector<QPolygonF> averaged_polylines(const QList<const Series*>& curves, double
     std::vector<Averaging> averagings;
     QVector<const QList<QPointF>*> lists;
     for (const Series* const curve : curves) {
-        averagings.push_back(begin(*curve, interval));
+        averagings.push_back(begin_averaging(*curve, interval));
         lists.append(&curve->points);
     }
 
@@ -62,6 +62,6 @@ QVector<QPolygonF> averaged_polylines(const QList<const Series*>& curves, double
 
     QVector<QPolygonF> polylines;
     for (int i = 0; i < curves.size(); ++i)
-        polylines.append(end(averagings[i], *curves.at(i)));
+        polylines.append(finish(averagings[i], *curves.at(i)));
     return polylines;
 }

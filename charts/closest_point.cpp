@@ -4,6 +4,7 @@
 #include "charts/point_sweep.h"
 #include "charts/series.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -26,8 +27,8 @@ struct Search
 {
     const Series* series;
     PointMap map;
-    float nearest;                  ///< square; only what is nearer counts
-    const QPointF* best = nullptr;  ///< the first of the nearest so far
+    float nearest = std::numeric_limits<float>::infinity();  ///< square; only what is nearer counts
+    const QPointF* best = nullptr;                           ///< the first of the nearest so far
 
     float distance(const QPointF& point, QPoint pixel) const
     {
@@ -43,7 +44,8 @@ struct Columns
 {
     Columns(float nearest, int column)
     {
-        // Somewhat wider than need be: truncation to a pixel takes up to one.
+        // Somewhat wider than need be: truncation to a pixel takes up to one. Positions beyond the
+        // pixels get the last pixel: if that is in reach, none of them is too far.
         const double reach = std::sqrt(static_cast<double>(nearest)) + 2.0;
         if (column - reach > MIN_PIXEL)
             left = column - reach;
@@ -57,7 +59,6 @@ struct Columns
         return position < left || position > right;
     }
 
-    // What lies beyond the pixels has the last one: in reach of that, everything is.
     double left = -std::numeric_limits<double>::infinity();
     double right = std::numeric_limits<double>::infinity();
 };
@@ -78,7 +79,7 @@ void Search::go_on(const PointRun& run, QPoint pixel)
     });
 }
 
-/** How near the curve comes at least, by a point about where the pixel is, if its points are in order. */
+/** The distance of one of its points: nothing farther counts. Of a near one, if they are in order. */
 float guess(const Search& search, QPoint pixel)
 {
     const int found = search.series->binary_search(search.series->unmap_x(pixel.x()));
@@ -92,8 +93,7 @@ std::vector<Search> begin_searches(const QList<Series*>& series, QPoint pixel)
     for (const Series* const one : series) {
         if (one->points.isEmpty())
             continue;
-        searches.push_back(
-            {one, {one->get_x_axis()->pixel_map(), one->get_y_axis()->pixel_map()}, nearest});
+        searches.push_back({one, {one->get_x_axis()->pixel_map(), one->get_y_axis()->pixel_map()}});
         nearest = std::min(nearest, guess(searches.back(), pixel));
     }
 

@@ -4,7 +4,6 @@
 #include <QPoint>
 #include <QPointF>
 
-class LineChart;
 class Series;
 
 /** The point of all curves that lies nearest to a pixel; `series` is null when there is none. */

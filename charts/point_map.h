@@ -4,7 +4,7 @@
 
 #include <QPointF>
 
-/** Both axes as values: the address of such a local goes nowhere, so that no store makes it stale. */
+/** Both axes as values. A loop over points takes a copy of its own, which no store can make stale. */
 struct PointMap
 {
     PixelMap x;

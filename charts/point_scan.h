@@ -9,7 +9,7 @@ using PointIterator = QList<QPointF>::const_iterator;
 
 /**
  * A walk over points, in order. A list keeps every point in a node of its own, and waiting for those
- * is most of a long scan: they are fetched some way ahead of their use.
+ * is most of a long scan: all but the first ones are fetched some way ahead of their use.
  */
 class PointScan
 {

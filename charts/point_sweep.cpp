@@ -50,7 +50,7 @@ bool PointSweep::next(PointRun& run)
     return false;
 }
 
-/** From the lowest point that is left. A list that has no neighbour goes on until the next one begins. */
+/** It begins at the lowest of all next points. A list alone in it may go on until another one begins. */
 bool PointSweep::begin_window()
 {
     turn = 0;
@@ -66,7 +66,7 @@ bool PointSweep::begin_window()
     for (; !waiting.empty() && address(waiting.back().begin) < limit; waiting.pop_back())
         begun.push_back(waiting.back());
 
-    // However the lists are strewn over memory, no more than one of them is looked at for each point.
+    // However they lie: a list that goes on gives as many points as there are lists to look at.
     step = static_cast<int>(std::max(LEAST_STEP, begun.size()));
     if (begun.size() == 1)
         limit =

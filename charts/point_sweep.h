@@ -16,16 +16,16 @@ struct PointRun
 
 /**
  * Goes once through the points of several lists, in runs: each list in its own order, and all of them
- * about in the order in which their points lie in memory.
+ * as they lie in memory, as far as their own order allows.
  *
- * Stations that record at the same time lay their points side by side. List after list, every piece of
- * memory would be brought in once for each of them; so it serves all of them in turn. Lists that were
- * filled one after another are gone through one after another, each in one run.
+ * Stations that record at the same time lay their points side by side. List after list, all of that
+ * memory would be brought in once for each of them; here each window of it serves all of them in turn.
+ * Lists that lie apart are one run each.
  */
 class PointSweep
 {
 public:
-    /** Bytes at a time: they stay close to the processor until every list has had its turn. */
+    /** Bytes of memory that stay close to the processor until every list has had its turn. */
     static constexpr quintptr WINDOW = 32 * 1024;
 
     /** The lists must outlive the sweep, unchanged. Empty ones have no run. */
@@ -35,12 +35,13 @@ public:
     bool next(PointRun& run);
 
 private:
+    /** False if no point is left. */
     bool begin_window();
     PointRun take_from(PointRun& rest) const;
 
     std::vector<PointRun> waiting;  ///< whole lists, those that begin lowest in memory last
     std::vector<PointRun> begun;    ///< what is left of the others
     std::size_t turn = 0;           ///< index in `begun` of the one to look at next
-    quintptr limit = 0;             ///< where the present piece of memory ends
+    quintptr limit = 0;             ///< where the present window ends
     int step = 0;                   ///< points between two looks at the limit
 };

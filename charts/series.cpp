@@ -13,6 +13,11 @@
 namespace
 {
 
+QPen pen_for(const QPen& pen, int dpi, bool print)
+{
+    return print ? half_point_pen(pen, dpi) : pen;
+}
+
 /** Room for vertices that nobody clears: for long curves that costs as much as a pass over them. */
 class VertexRoom
 {
@@ -169,7 +174,7 @@ void Series::plot(QPainter* painter, ChartStyle style, double averaging_interval
         plot_polyline(painter, averaged_polylines({this}, averaging_interval).first(), dpi, print);
         return;
     }
-    painter->setPen(print ? half_point_pen(pen, dpi) : pen);
+    painter->setPen(pen_for(pen, dpi, print));
     if (style == DOTS) {
         for (const QPointF& point : points)
             plot_dot(painter, map_point(point), dot_radius);
@@ -195,7 +200,7 @@ bool Series::is_reduced(ChartStyle style, double averaging_interval) const
 
 void Series::plot_polyline(QPainter* painter, const QPolygonF& vertices, int dpi, bool print) const
 {
-    painter->setPen(print ? half_point_pen(pen, dpi) : pen);
+    painter->setPen(pen_for(pen, dpi, print));
     painter->drawPolyline(vertices);
 }
 

@@ -2,66 +2,132 @@
 
 #include <QtTest>
 
-#include <algorithm>
-#include <limits>
+#include <cstdlib>
+#include <new>
 #include <random>
 #include <vector>
 
 namespace
 {
 
+/**
+ * Where the points of this test lie: each behind the one that was made before it, so that the test
+ * decides what lies side by side. Nothing is taken back.
+ */
+struct Arena
+{
+    static constexpr std::size_t SIZE = 8 * 1024 * 1024;
+    static constexpr std::size_t STRIDE = 64;
+
+    bool holds(const void* block) const
+    {
+        return block >= bytes && block < bytes + SIZE;
+    }
+
+    void* next()
+    {
+        Q_ASSERT(used + STRIDE <= SIZE);
+        used += STRIDE;
+        return bytes + used - STRIDE;
+    }
+
+    alignas(STRIDE) char bytes[SIZE];
+    std::size_t used = 0;
+    bool open = false;
+};
+
+Arena arena;
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    if (arena.open && size == sizeof(QPointF))
+        return arena.next();
+    if (void* const block = std::malloc(size))
+        return block;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* block) noexcept
+{
+    if (!arena.holds(block))
+        std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+namespace
+{
+
 using Lists = std::vector<QList<QPointF>>;
 
-quintptr address(const QPointF& point)
+/** Of which list, and how many points. */
+using Run = QPair<int, int>;
+using Runs = QVector<Run>;
+
+void append(QList<QPointF>& list, int count = 1)
 {
-    return reinterpret_cast<quintptr>(&point);
+    arena.open = true;
+    for (int i = 0; i < count; ++i)
+        list.append(QPointF(list.size(), 0.0));
+    arena.open = false;
 }
 
-/** Lists of so many points each, filled a point each in turn. */
-Lists filled_in_turn(const std::vector<int>& counts)
+/** A point of each in turn, as stations that run at the same time fill them. */
+void append_in_turn(const std::vector<QList<QPointF>*>& lists, int count)
 {
-    Lists lists(counts.size());
-    for (int i = 0; i < *std::max_element(counts.begin(), counts.end()); ++i) {
-        for (std::size_t list = 0; list < counts.size(); ++list) {
-            if (i < counts[list])
-                lists[list].append(QPointF(i, list));
-        }
+    for (int i = 0; i < count; ++i) {
+        for (QList<QPointF>* const list : lists)
+            append(*list);
     }
-    return lists;
 }
 
-Lists filled_one_after_another(int lists_count, int points)
+Lists filled_in_turn(int lists_count, int points)
 {
     Lists lists(lists_count);
-    for (QList<QPointF>& list : lists) {
-        for (int i = 0; i < points; ++i)
-            list.append(QPointF(i, 0.0));
-    }
+    std::vector<QList<QPointF>*> all;
+    for (QList<QPointF>& list : lists)
+        all.push_back(&list);
+    append_in_turn(all, points);
     return lists;
 }
 
-/** The first one records, waits while the second one goes on, and records again. */
-Lists one_paused()
+Lists first_ends_early()
 {
     Lists lists(2);
-    for (int i = 0; i < 6000; ++i) {
-        if (i < 100 || i > 4000)
-            lists[0].append(QPointF(i, 0.0));
-        lists[1].append(QPointF(i, 1.0));
-    }
+    append_in_turn({&lists[0], &lists[1]}, 100);
+    append(lists[1], 500);
     return lists;
 }
 
-/** Puts the nodes of each list in the order of their addresses, whatever the allocator did. */
-Lists in_order_of_memory(Lists lists)
+Lists first_pauses()
 {
-    for (QList<QPointF>& list : lists) {
-        for (int i = 1; i < list.size(); ++i) {
-            for (int j = i;
-                 j > 0 && address(qAsConst(list).at(j)) < address(qAsConst(list).at(j - 1)); --j)
-                list.swapItemsAt(j, j - 1);
-        }
-    }
+    Lists lists(2);
+    append_in_turn({&lists[0], &lists[1]}, 100);
+    append(lists[1], 1000);
+    append_in_turn({&lists[0], &lists[1]}, 100);
+    return lists;
+}
+
+/** The last one first. */
+Lists filled_one_after_another()
+{
+    Lists lists(3);
+    append(lists[2], 1000);
+    append(lists[1], 2000);
+    append(lists[0], 3000);
+    return lists;
+}
+
+Lists of_lengths(const std::vector<int>& lengths)
+{
+    Lists lists(lengths.size());
+    for (std::size_t i = 0; i < lengths.size(); ++i)
+        append(lists[i], lengths[i]);
     return lists;
 }
 
@@ -75,33 +141,37 @@ Lists strewn(Lists lists)
     return lists;
 }
 
-QVector<const QList<QPointF>*> pointers_to(const Lists& lists)
+Lists backward(Lists lists)
 {
-    QVector<const QList<QPointF>*> pointers;
-    for (const QList<QPointF>& list : lists)
-        pointers.append(&list);
-    return pointers;
+    for (QList<QPointF>& list : lists) {
+        for (int i = 0; i < list.size() / 2; ++i)
+            list.swapItemsAt(i, list.size() - 1 - i);
+    }
+    return lists;
 }
 
 std::vector<PointRun> runs_of(const Lists& lists)
 {
+    QVector<const QList<QPointF>*> pointers;
+    for (const QList<QPointF>& list : lists)
+        pointers.append(&list);
     std::vector<PointRun> runs;
-    PointSweep sweep(pointers_to(lists));
+    PointSweep sweep(pointers);
     PointRun run{};
     while (sweep.next(run))
         runs.push_back(run);
     return runs;
 }
 
-/** Where the points begin that no run has had yet, but for those of one list. */
-quintptr lowest_but_for(int list, const std::vector<PointIterator>& rests, const Lists& lists)
+/** So many points of each list in turn, then the next number of each. */
+Runs rounds(int lists_count, const std::vector<int>& counts)
 {
-    quintptr lowest = std::numeric_limits<quintptr>::max() - PointSweep::WINDOW;
-    for (int i = 0; i < int(lists.size()); ++i) {
-        if (i != list && rests[i] != lists[i].constEnd())
-            lowest = std::min(lowest, address(*rests[i]));
+    Runs runs;
+    for (const int count : counts) {
+        for (int list = 0; list < lists_count; ++list)
+            runs.append({list, count});
     }
-    return lowest;
+    return runs;
 }
 
 }  // namespace
@@ -114,12 +184,10 @@ class PointSweepTest : public QObject
 
 private slots:
     void nothing_has_no_run();
+    void runs_follow_the_memory_data();
+    void runs_follow_the_memory();
     void every_point_comes_once_and_in_order_data();
     void every_point_comes_once_and_in_order();
-    void no_list_runs_ahead_in_memory_data();
-    void no_list_runs_ahead_in_memory();
-    void a_run_goes_on_to_the_end_of_its_piece_of_memory();
-    void lists_that_lie_apart_are_one_run_each();
 };
 
 void PointSweepTest::nothing_has_no_run()
@@ -128,16 +196,42 @@ void PointSweepTest::nothing_has_no_run()
     QVERIFY(runs_of(Lists(3)).empty());
 }
 
+void PointSweepTest::runs_follow_the_memory_data()
+{
+    // A window has room for 512 points, and addresses are looked at every 32 points.
+    QTest::addColumn<Lists>("lists");
+    QTest::addColumn<Runs>("runs");
+    QTest::newRow("one alone") << filled_in_turn(1, 5000) << Runs{{0, 5000}};
+    QTest::newRow("two in turn") << filled_in_turn(2, 600) << rounds(2, {256, 256, 88});
+    QTest::newRow("three in turn") << filled_in_turn(3, 500) << rounds(3, {192, 192, 116});
+    QTest::newRow("the first ends early")
+        << first_ends_early() << Runs{{0, 100}, {1, 416}, {1, 184}};
+    QTest::newRow("the first pauses")
+        << first_pauses() << Runs{{0, 128}, {1, 416}, {1, 512}, {0, 72}, {1, 272}};
+    QTest::newRow("one after another")
+        << filled_one_after_another() << Runs{{2, 1000}, {1, 2000}, {0, 3000}};
+    QTest::newRow("more lists than 32") << filled_in_turn(40, 100) << rounds(40, {40, 40, 20});
+    QTest::newRow("against the memory") << backward(filled_in_turn(2, 600)) << rounds(2, {600});
+}
+
+void PointSweepTest::runs_follow_the_memory()
+{
+    QFETCH(Lists, lists);
+    Runs runs;
+    for (const PointRun& run : runs_of(lists))
+        runs.append({run.list, int(run.end - run.begin)});
+    QTEST(runs, "runs");
+}
+
 void PointSweepTest::every_point_comes_once_and_in_order_data()
 {
     QTest::addColumn<Lists>("lists");
-    QTest::newRow("one point") << Lists{{QPointF(1.0, 2.0)}};
-    QTest::newRow("in turn") << filled_in_turn({3000, 3000, 3000});
-    QTest::newRow("of different lengths") << filled_in_turn({0, 1, 31, 32, 33, 64, 65, 2500, 0});
-    QTest::newRow("one after another") << filled_one_after_another(4, 2000);
-    QTest::newRow("strewn over memory") << strewn(filled_in_turn({2000, 500, 2000}));
-    QTest::newRow("more lists than a step has points")
-        << strewn(filled_in_turn(std::vector<int>(100, 150)));
+    QTest::newRow("one point") << of_lengths({1});
+    QTest::newRow("of different lengths") << of_lengths({0, 1, 31, 32, 33, 64, 65, 2500, 0});
+    QTest::newRow("in turn") << filled_in_turn(3, 3000);
+    QTest::newRow("paused") << first_pauses();
+    QTest::newRow("strewn over memory") << strewn(filled_in_turn(3, 2000));
+    QTest::newRow("many, strewn over memory") << strewn(filled_in_turn(100, 150));
 }
 
 void PointSweepTest::every_point_comes_once_and_in_order()
@@ -154,68 +248,6 @@ void PointSweepTest::every_point_comes_once_and_in_order()
     }
     for (std::size_t i = 0; i < constant.size(); ++i)
         QVERIFY(rests[i] == constant[i].constEnd());
-}
-
-void PointSweepTest::no_list_runs_ahead_in_memory_data()
-{
-    QTest::addColumn<Lists>("lists");
-    QTest::newRow("in turn") << in_order_of_memory(filled_in_turn({3000, 3000, 3000}));
-    QTest::newRow("begun and ended at different times")
-        << in_order_of_memory(filled_in_turn({500, 3000, 1500}));
-    QTest::newRow("one after another") << in_order_of_memory(filled_one_after_another(3, 2000));
-    QTest::newRow("one paused") << in_order_of_memory(one_paused());
-}
-
-void PointSweepTest::no_list_runs_ahead_in_memory()
-{
-    QFETCH(Lists, lists);
-    const Lists& constant = lists;
-    std::vector<PointIterator> rests;
-    for (const QList<QPointF>& list : constant)
-        rests.push_back(list.constBegin());
-    for (const PointRun& run : runs_of(constant)) {
-        const quintptr limit = lowest_but_for(run.list, rests, constant) + PointSweep::WINDOW;
-        QVERIFY(address(*run.begin) < limit);
-        // Addresses are looked at now and then only.
-        if (run.end - run.begin > 32)
-            QVERIFY(address(run.end[-33]) < limit);
-        rests[run.list] = run.end;
-    }
-}
-
-void PointSweepTest::a_run_goes_on_to_the_end_of_its_piece_of_memory()
-{
-    const Lists lists = in_order_of_memory(filled_in_turn({3000, 3000, 3000}));
-    quintptr lowest = std::numeric_limits<quintptr>::max();
-    quintptr highest = 0;
-    for (const QList<QPointF>& list : lists) {
-        lowest = std::min(lowest, address(list.first()));
-        highest = std::max(highest, address(list.last()));
-    }
-    const std::size_t pieces = (highest - lowest) / PointSweep::WINDOW + 1;
-    const std::size_t runs = runs_of(lists).size();
-    QVERIFY(pieces > 5);
-    QVERIFY(runs > pieces);
-    QVERIFY(runs <= 3 * (pieces + 1));
-}
-
-void PointSweepTest::lists_that_lie_apart_are_one_run_each()
-{
-    const Lists lists = in_order_of_memory(filled_one_after_another(3, 5000));
-    std::vector<int> order{0, 1, 2};
-    const auto begins_lower = [&lists](int a, int b) {
-        return address(lists[a].first()) < address(lists[b].first());
-    };
-    std::sort(order.begin(), order.end(), begins_lower);
-    for (int i = 1; i < 3; ++i)
-        QVERIFY(address(lists[order[i - 1]].last()) < address(lists[order[i]].first()));
-
-    const std::vector<PointRun> runs = runs_of(lists);
-    QCOMPARE(runs.size(), std::size_t(3));
-    for (int i = 0; i < 3; ++i) {
-        QCOMPARE(runs[i].list, order[i]);
-        QVERIFY(runs[i].end == lists[order[i]].constEnd());
-    }
 }
 
 QTEST_GUILESS_MAIN(PointSweepTest)

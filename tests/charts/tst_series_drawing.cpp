@@ -226,19 +226,26 @@ void SeriesDrawingTest::dots_ignore_the_averaging()
 
 void SeriesDrawingTest::pens_depend_on_the_device_data()
 {
+    QTest::addColumn<int>("points");
     QTest::addColumn<bool>("print");
     QTest::addColumn<QString>("pen");
-    QTest::newRow("screen") << false << "#ff0000 width 3 style 2 cap 20 join 80";
-    QTest::newRow("paper") << true << "#ff0000 width 4.166666667 style 1 cap 10 join 40";
+    const QString screen = "#ff0000 width 3 style 2 cap 20 join 80";
+    const QString paper = "#ff0000 width 4.166666667 style 1 cap 10 join 40";
+    QTest::newRow("short, screen") << 2 << false << screen;
+    QTest::newRow("short, paper") << 2 << true << paper;
+    QTest::newRow("averaged, screen") << 1000 << false << screen;
+    QTest::newRow("averaged, paper") << 1000 << true << paper;
 }
 
 void SeriesDrawingTest::pens_depend_on_the_device()
 {
+    QFETCH(int, points);
     QFETCH(bool, print);
     Plot plot;
     Series series;
     series.pen = QPen(QBrush(Qt::red), 3.0, Qt::DashLine, Qt::RoundCap, Qt::RoundJoin);
-    fill(series, {{0.0, 1.0}, {1.0, 1.0}});
+    for (int i = 0; i < points; ++i)
+        series.add(double(i) / points, 1.0);
     plot.draw(series, LINES, 0.2, 600, print);
     QCOMPARE(plot.device.drawn("pen").size(), 1);
     QTEST(plot.device.drawn("pen").value(0), "pen");
