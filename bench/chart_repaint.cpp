@@ -128,7 +128,7 @@ std::function<void()> repeated(int times, const std::function<void()>& work)
     };
 }
 
-/** Looks at every point and does nothing with it: where memory is the limit, no loop can be faster. */
+/** Looks at every point and does nothing with it: no loop that goes curve by curve can be faster. */
 void read_points(const QList<Series*>& series)
 {
     double sum = 0.0;
@@ -160,7 +160,7 @@ void compare_with_limit(Table& table, View& view, Filling filling, double interv
               repeated(repeats, [&] { view.paint_image(interval); }),
               repeated(repeats, [&] { bare.paint(bare_image); }));
     if (interval > 0.0)
-        table.add("  of that, to read the points once", repeats, 0.0,
+        table.add("  only to read the points, curve by curve", repeats, 0.0,
                   repeated(repeats, [&] { read_points(view.series); }),
                   repeated(repeats, [&] { bare.paint(bare_image); }));
 }

@@ -26,7 +26,8 @@ struct Arena
 
     void* next()
     {
-        Q_ASSERT(used + STRIDE <= SIZE);
+        if (used + STRIDE > SIZE)
+            throw std::bad_alloc();
         used += STRIDE;
         return bytes + used - STRIDE;
     }
