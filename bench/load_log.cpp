@@ -2,7 +2,7 @@
 #include "bench_table.h"
 
 #include "common/number_row.h"
-#include "station/log_format.h"
+#include "station/logs/log_format.h"
 #include "station/test_station.h"
 
 #include <QApplication>

@@ -2,7 +2,7 @@
 #include "bench_table.h"
 
 #include "config/battery_profiles.h"
-#include "station/combobox_items.h"
+#include "station/panel/combobox_items.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "charts/line_chart.h"
-#include "station/selection_killer_delegate.h"
-#include "station/shown_readouts.h"
+#include "station/panel/selection_killer_delegate.h"
+#include "station/panel/shown_readouts.h"
 #include "station/test_cycle.h"
 
 #include <QCheckBox>
@@ -51,7 +51,7 @@ public:
     static LineChart internal_resistance_chart;
     static SelectionKillerDelegate selection_killer_delegate;  ///< of all colour boxes
 
-    // ---- test_station_progress.cpp: how far the test has come ---------------
+    // ---- engine/progress.cpp: how far the test has come -------------------
     /** Place of the current cycle counted from 1; 0 before the first discharge. */
     int get_cycle_number() const;
     Phase get_phase() const;
@@ -61,7 +61,7 @@ public:
     /** Mean over every resistance point of every cycle, as "123 mΩ"; "? mΩ" when there is none. */
     QString get_avg_internal_resistance_string() const;
 
-    // ---- test_station_engine.cpp: one telemetry line, one change of phase ---
+    // ---- engine/phases.cpp: one telemetry line, one change of phase -------
     /** Logs the reason, begins the leg or cycle, and commands the instrument. */
     void set_phase(Phase new_phase, const QString& reason);
 
@@ -78,7 +78,7 @@ private:
     void record_discharge(double time, double elapsed);
     void check_transitions();
 
-    // ---- test_station_resistance.cpp: the load's short absences -------------
+    // ---- engine/resistance.cpp: the load's short absences -----------------
     /** @return the resistance in ohms if this very line completed the test, else 0 */
     double check_internal_resistance_test();
     void check_internal_resistance_recovery();
@@ -86,7 +86,7 @@ private:
     void freeze_readings();
     void check_discharge();
 
-    // ---- test_station_charge.cpp: when a charge ends ------------------------
+    // ---- engine/charge.cpp: when a charge ends ----------------------------
 public:
     bool max_charge_time_exceeded() const;
     /** Whether the voltage rose by 0.0 to 0.1 V over the last 600 samples of this leg. */
@@ -101,7 +101,7 @@ private:
     void check_final_charge();
     void check_final_charge_test();
 
-    // ---- test_station_operator.cpp: the operator's buttons ------------------
+    // ---- engine/operator.cpp: the operator's buttons ----------------------
 public:
     void lock_controls();
     void unlock_controls();
@@ -112,7 +112,7 @@ private slots:
     void on_pbClose_clicked();
     void on_sbNumberOfCycles_valueChanged(int value);
 
-    // ---- test_station_log_writer.cpp: the two log files ---------------------
+    // ---- logs/writer.cpp: the two log files -------------------------------
 public:
     /** Opens both logs. False if the operator cancels, or if a file fails, which is then shown. */
     bool begin_log();
@@ -136,7 +136,7 @@ private:
     void share_data_log();
     void delete_cycles();
 
-    // ---- test_station_log_reader.cpp: a log becomes a test again -------------
+    // ---- logs/reader.cpp: a log becomes a test again ----------------------
 public:
     /** Reads `data_log` and shows its parameters; shows a failure and then unloads all. */
     bool ui_safe_read_log();
@@ -150,27 +150,27 @@ public:
 private:
     LogTarget log_target();
 
-    // ---- test_station_load.cpp: the choice of an earlier log -----------------
+    // ---- logs/load.cpp: the choice of an earlier log ----------------------
 private slots:
     void on_pbLoadLog_clicked();
 
-    // ---- test_station_report.cpp: the page for the customer ------------------
+    // ---- panel/report.cpp: the page for the customer ----------------------
     void on_pbGeneratePDF_clicked();
 
-    // ---- test_station_profiles.cpp: the saved sets of parameters -------------
+    // ---- panel/profiles.cpp: the saved sets of parameters -----------------
     void on_cbProfile_currentTextChanged(const QString& text);
     void on_pbSaveProfile_clicked();
     void on_pbDeleteProfile_clicked();
 
-    // ---- test_station_panel.cpp: the panel's set-up and sizes ---------------
+    // ---- panel/set_up.cpp: the panel's set-up and sizes -------------------
 public:
     void set_widget_sizes();
-    void set_tooltips();  ///< each control's help; test_station_tooltips.cpp
+    void set_tooltips();  ///< each control's help; panel/tooltips.cpp
 
 private:
     void set_up_panel();
 
-    // ---- test_station_display.cpp: every label at every moment --------------
+    // ---- panel/display.cpp: every label at every moment -------------------
 public:
     /** Writes the parameters into the controls. */
     void populate_ui();
@@ -185,7 +185,7 @@ private:
     void show_changes();  ///< as update_ui, but labels whose value stays are not touched
     ShownReadouts shown;
 
-    // ---- test_station_selection.cpp: the station's row above the charts ------
+    // ---- panel/selection.cpp: the station's row above the charts ----------
 private slots:
     void slot_all_cycles_checkbox_clicked();
     void slot_color_change(int index);
@@ -198,7 +198,7 @@ private:
     void set_up_all_cycles_checkbox();
     void set_up_color_combobox();
 
-    // ---- test_station_edits.cpp: what the operator types ---------------------
+    // ---- panel/edits.cpp: what the operator types -------------------------
 private slots:
     void on_pbExpandCollapse_clicked();
     void on_pbDirectory_clicked();
@@ -219,7 +219,7 @@ signals:
     void sig_repaint_chart_request();
 
 public:
-    // ---- shared data: parameters of the test --------------------------------
+    // ---- shared data: parameters of the test ------------------------------
     int charge_test_interval = 300;  ///< seconds between charge tests
     int preview_number = 0;          ///< counted from 1; 0 with an instrument
     bool prompt_to_discharge = false;
@@ -229,12 +229,12 @@ public:
     int max_charge_time = 21600;       ///< seconds; the panel shows hours
     double low_voltage_cutoff = 19.0;  ///< volts
 
-    // ---- shared data: the row above the charts, placed by the window --------
+    // ---- shared data: the row above the charts, placed by the window ------
     QLabel serial_number_label;
     QComboBox color_combobox;
     QCheckBox all_cycles_checkbox;
 
-    // ---- shared data: the engine, the instrument and the logs ---------------
+    // ---- shared data: the engine, the instrument and the logs -------------
     Series charge_voltage_series;  ///< present charge leg: x seconds since it began, y volts
     QColor color = Qt::black;      ///< of the station's curves
     std::unique_ptr<Ui::TestStation> ui;

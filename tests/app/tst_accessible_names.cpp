@@ -9,6 +9,7 @@
 #include "station/test_station.h"
 #include "support/help_document.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QAccessible>
 #include <QAction>
@@ -200,5 +201,5 @@ void AccessibleNamesTest::names_change_nothing_on_the_screen()
     QCOMPARE(bench.widget<QWidget>("pbClose")->property("text").toString(), QString("X"));
 }
 
-QTEST_MAIN(AccessibleNamesTest)
+KEST_TEST(AccessibleNamesTest)
 #include "tst_accessible_names.moc"

@@ -6,6 +6,7 @@
 #include "station/test_station.h"
 #include "support/help_document.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -254,5 +255,5 @@ void ChartSetUpTest::a_refresh_paints_both_charts()
     QCOMPARE(lower.count, 1);
 }
 
-QTEST_MAIN(ChartSetUpTest)
+KEST_TEST(ChartSetUpTest)
 #include "tst_chart_set_up.moc"

@@ -7,6 +7,7 @@
 #include "device/kestrometer.h"
 #include "station/test_station.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -330,5 +331,5 @@ void ChartViewTest::a_colour_changes_the_chart_at_once()
     QCOMPARE(lower.count, 1);
 }
 
-QTEST_MAIN(ChartViewTest)
+KEST_TEST(ChartViewTest)
 #include "tst_chart_view.moc"

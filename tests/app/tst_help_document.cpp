@@ -4,6 +4,7 @@
 #include "support/help_table.h"
 #include "support/modal_answer.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QDomDocument>
 #include <QTextDocument>
@@ -242,5 +243,5 @@ void HelpDocumentTest::headings_of_entries_are_bold()
     QVERIFY(document.find("Displays this help document.").charFormat().fontWeight() < QFont::Bold);
 }
 
-QTEST_MAIN(HelpDocumentTest)
+KEST_TEST(HelpDocumentTest)
 #include "tst_help_document.moc"

@@ -4,6 +4,7 @@
 #include "dialogs/widget_font_debug_dialog.h"
 #include "support/help_document.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QAction>
 #include <QDesktopServices>
@@ -198,5 +199,5 @@ void HelpMenuTest::the_font_dialog_runs_without_a_menu()
     QVERIFY(bench.window->findChild<WidgetFontDebugDialog*>() == nullptr);
 }
 
-QTEST_MAIN(HelpMenuTest)
+KEST_TEST(HelpMenuTest)
 #include "tst_help_menu.moc"

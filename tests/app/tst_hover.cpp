@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "support/test_program.h"
 
 #include "chart_window.h"
 #include "charts/paint_box.h"
@@ -342,5 +343,5 @@ void HoverTest::a_station_closed_under_the_mouse_is_gone()
     QCOMPARE(bench.upper->toolTip(), QString());
 }
 
-QTEST_MAIN(HoverTest)
+KEST_TEST(HoverTest)
 #include "tst_hover.moc"

@@ -1,3 +1,6 @@
+#include "support/test_files.h"
+#include "support/test_program.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QRegularExpression>
@@ -24,7 +27,7 @@ const QMap<QString, int> LONGER_FILES = {
 constexpr int LONGEST_SOURCE = 399;
 constexpr int LONGEST_HEADER = 149;
 
-const QDir ROOT(KEST_SOURCE_DIR);
+const QDir ROOT(source_file("."));
 
 QString contents(const QString& path)
 {
@@ -231,5 +234,5 @@ void IncludeRulesTest::nobody_includes_app()
         QCOMPARE(may_include(folder, "app/main_window.h"), folder == "app");
 }
 
-QTEST_GUILESS_MAIN(IncludeRulesTest)
+KEST_GUILESS_TEST(IncludeRulesTest)
 #include "tst_include_rules.moc"

@@ -4,6 +4,7 @@
 #include "charts/paint_box.h"
 #include "station/test_station.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QPaintEvent>
@@ -125,5 +126,5 @@ void LogoTest::the_logo_is_on_the_screen()
              expected);
 }
 
-QTEST_MAIN(LogoTest)
+KEST_TEST(LogoTest)
 #include "tst_logo.moc"

@@ -1,4 +1,5 @@
 #include "window_bench.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QMenuBar>
@@ -139,5 +140,5 @@ void MainWindowTest::every_slot_finds_its_widget()
     QVERIFY(found >= 3);
 }
 
-QTEST_MAIN(MainWindowTest)
+KEST_TEST(MainWindowTest)
 #include "tst_main_window.moc"

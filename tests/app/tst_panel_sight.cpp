@@ -1,4 +1,5 @@
 #include "app/panel_sight.h"
+#include "support/test_program.h"
 
 #include "app/main_window.h"
 #include "chart_window.h"
@@ -212,5 +213,5 @@ void PanelSightTest::what_comes_into_sight_is_up_to_date()
     QCOMPARE(column.shown(), end);
 }
 
-QTEST_MAIN(PanelSightTest)
+KEST_TEST(PanelSightTest)
 #include "tst_panel_sight.moc"

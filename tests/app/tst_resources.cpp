@@ -1,4 +1,5 @@
 #include "common/colors.h"
+#include "support/test_program.h"
 
 #include <QImage>
 #include <QtTest>
@@ -37,5 +38,5 @@ void ResourcesTest::the_small_logo_lets_the_window_through()
     QCOMPARE(image.pixelColor(0, 0).alpha(), 0);
 }
 
-QTEST_GUILESS_MAIN(ResourcesTest)
+KEST_GUILESS_TEST(ResourcesTest)
 #include "tst_resources.moc"

@@ -1,4 +1,5 @@
 #include "support/test_files.h"
+#include "support/test_program.h"
 #include "support/whole_test.h"
 
 #include "station/test_station.h"
@@ -34,13 +35,13 @@ const QString NAME = "Pack A_1042.csv";
 /** A test of three cycles, broken off in its second discharge. */
 QByteArray broken_off()
 {
-    const QByteArray whole = content_of(KEST_TEST_DATA "/whole/three_cycles.csv");
+    const QByteArray whole = content_of(test_data("whole/three_cycles.csv"));
     return whole.left(whole.indexOf("Charge Number:               3"));
 }
 
 QByteArray sample(const char* name)
 {
-    return content_of(QDir(KEST_TEST_DATA "/logs").filePath(name));
+    return content_of(test_data(QString("logs/") + name));
 }
 
 void place(WholeTest& test, const QByteArray& log)
@@ -129,7 +130,7 @@ void ResumedTestsTest::a_finished_and_resumed_test_loads_again()
 {
     WholeTest test;
     // Its final charge is number 4, and so is the charge of the resume.
-    load(test, content_of(KEST_TEST_DATA "/whole/three_cycles.csv"));
+    load(test, content_of(test_data("whole/three_cycles.csv")));
     test.station.max_charge_time = 20;
     test.press("pbStartSkip");
     QVERIFY(test.run_to(PHASE_DONE));
@@ -219,5 +220,5 @@ void ResumedTestsTest::an_older_log_that_goes_on_cannot_be_loaded_again()
     QCOMPARE(test.station.data_log, nullptr);
 }
 
-QTEST_MAIN(ResumedTestsTest)
+KEST_TEST(ResumedTestsTest)
 #include "tst_resumed_tests.moc"

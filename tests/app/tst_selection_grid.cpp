@@ -3,9 +3,10 @@
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "device/kestrometer.h"
-#include "station/combobox_items.h"
+#include "station/panel/combobox_items.h"
 #include "station/test_station.h"
 #include "support/profile_file.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QLineEdit>
@@ -392,5 +393,5 @@ void SelectionGridTest::a_second_window_takes_the_labels_over()
     }
 }
 
-QTEST_MAIN(SelectionGridTest)
+KEST_TEST(SelectionGridTest)
 #include "tst_selection_grid.moc"

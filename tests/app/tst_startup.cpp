@@ -5,6 +5,7 @@
 #include "support/modal_answer.h"
 #include "support/profile_file.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QApplication>
 #include <QProcess>
@@ -76,7 +77,7 @@ Outcome run_child(const char* what, const QString& data_home)
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_DATA_HOME", data_home);
     child.setProcessEnvironment(environment);
-    child.start(QCoreApplication::applicationFilePath(), {what});
+    child.start(QCoreApplication::applicationFilePath(), {"tst_startup", what});
     Outcome outcome;
     if (child.waitForFinished() && child.exitStatus() == QProcess::NormalExit)
         outcome.status = child.exitCode();
@@ -298,13 +299,16 @@ void StartupTest::the_guard_ends_a_second_copy()
     QCOMPARE(outcome.status, 0);
 }
 
-int main(int argc, char** argv)
+static int tests_or_child(int argc, char** argv)
 {
-    QApplication application(argc, argv);
     if (argc == 2 &&
-        (std::strcmp(argv[1], START_WINDOW) == 0 || std::strcmp(argv[1], ASK_THE_GUARD) == 0))
+        (std::strcmp(argv[1], START_WINDOW) == 0 || std::strcmp(argv[1], ASK_THE_GUARD) == 0)) {
+        const QApplication application(argc, argv);
         return act_as_child(argv[1]);
-    StartupTest test;
-    return QTest::qExec(&test, argc, argv);
+    }
+    return run_tests<QApplication, StartupTest>(argc, argv);
 }
+
+KEST_TEST_MAIN(tests_or_child)
+
 #include "tst_startup.moc"

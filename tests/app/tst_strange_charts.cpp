@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "support/test_program.h"
 
 #include "chart_window.h"
 #include "charts/paint_box.h"
@@ -172,5 +173,5 @@ void StrangeChartsTest::a_device_that_fails_ends_that_paint_only()
     QCOMPARE(bench.shown(bench.upper), before);
 }
 
-QTEST_MAIN(StrangeChartsTest)
+KEST_TEST(StrangeChartsTest)
 #include "tst_strange_charts.moc"

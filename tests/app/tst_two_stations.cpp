@@ -1,4 +1,5 @@
 #include "support/golden_file.h"
+#include "support/test_program.h"
 #include "support/whole_test.h"
 
 #include "device/kestrometer.h"
@@ -91,5 +92,5 @@ void TwoStationsTest::the_second_goes_its_way_whatever_befalls_the_first()
         QCOMPARE(first.difference_from("first_of_two"), QString());
 }
 
-QTEST_MAIN(TwoStationsTest)
+KEST_TEST(TwoStationsTest)
 #include "tst_two_stations.moc"

@@ -1,3 +1,4 @@
+#include "support/test_program.h"
 #include "support/whole_test.h"
 
 #include "config/settings.h"
@@ -172,5 +173,5 @@ void WholeTestsTest::raw_telemetry_stands_in_the_event_log()
     QCOMPARE(test.difference_from("raw_telemetry"), QString());
 }
 
-QTEST_MAIN(WholeTestsTest)
+KEST_TEST(WholeTestsTest)
 #include "tst_whole_tests.moc"

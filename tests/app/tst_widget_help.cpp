@@ -7,6 +7,7 @@
 #include "support/help_document.h"
 #include "support/help_table.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QtTest>
@@ -260,5 +261,5 @@ void WidgetHelpTest::without_the_document_each_control_asks_in_vain()
     QCOMPARE(errors.last(), QString("Tooltip 56 requested but not present in help file."));
 }
 
-QTEST_MAIN(WidgetHelpTest)
+KEST_TEST(WidgetHelpTest)
 #include "tst_widget_help.moc"

@@ -1,4 +1,5 @@
 #include "window_bench.h"
+#include "support/test_program.h"
 
 #include <QAction>
 #include <QFile>
@@ -319,5 +320,5 @@ void WindowStationsTest::closing_the_window_switches_every_instrument_off()
     QCOMPARE(waiting.commands(), QByteArray("O"));
 }
 
-QTEST_MAIN(WindowStationsTest)
+KEST_TEST(WindowStationsTest)
 #include "tst_window_stations.moc"

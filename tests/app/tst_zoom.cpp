@@ -1,4 +1,5 @@
 #include "zoom_bench.h"
+#include "support/test_program.h"
 
 #include <QGuiApplication>
 #include <QPainter>
@@ -242,5 +243,5 @@ void ZoomTest::a_window_closed_with_its_zoom_is_survived()
     QCOMPARE(next.upper_ranges()[0], 0.0);
 }
 
-QTEST_MAIN(ZoomTest)
+KEST_TEST(ZoomTest)
 #include "tst_zoom.moc"

@@ -1,4 +1,5 @@
 #include "zoom_bench.h"
+#include "support/test_program.h"
 
 #include <limits>
 
@@ -144,5 +145,5 @@ void ZoomLimitTest::a_zoomed_chart_without_curves_is_not_zoomed_further()
     QCOMPARE(bench.upper_ranges(), before);
 }
 
-QTEST_MAIN(ZoomLimitTest)
+KEST_TEST(ZoomLimitTest)
 #include "tst_zoom_limit.moc"

@@ -1,6 +1,7 @@
 #include "expected_drawing.h"
 
 #include "charts/line_chart.h"
+#include "support/test_files.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,7 +15,7 @@ namespace
 
 QString data_path(const QString& name)
 {
-    return QStringLiteral(KEST_TEST_DATA "/charts/") + name;
+    return test_data(QStringLiteral("charts/") + name);
 }
 
 /** Beside the test's other leavings, for the eyes of whoever reads the failure. */

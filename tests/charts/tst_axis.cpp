@@ -1,6 +1,7 @@
 #include "charts/axis.h"
 #include "expected_drawing.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QPainter>
 #include <QtTest>
@@ -374,5 +375,5 @@ void AxisTest::captions_stand_along_their_sides()
                                                    .arg(-bounds.height() / 2.0 - bounds.top())));
 }
 
-QTEST_MAIN(AxisTest)
+KEST_TEST(AxisTest)
 #include "tst_axis.moc"

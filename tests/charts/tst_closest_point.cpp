@@ -1,4 +1,5 @@
 #include "charts/closest_point.h"
+#include "support/test_program.h"
 
 #include "charts/line_chart.h"
 #include "charts/series.h"
@@ -290,5 +291,5 @@ void ClosestPointTest::random_curves_give_what_the_plain_rule_gives()
     }
 }
 
-QTEST_GUILESS_MAIN(ClosestPointTest)
+KEST_GUILESS_TEST(ClosestPointTest)
 #include "tst_closest_point.moc"

@@ -1,6 +1,7 @@
 #include "charts/histogram.h"
 #include "expected_drawing.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QFontInfo>
 #include <QPainter>
@@ -318,5 +319,5 @@ void HistogramTest::odd_values_neither_crash_nor_hang()
     QVERIFY(bench.record().drawn("text").size() > 0);
 }
 
-QTEST_MAIN(HistogramTest)
+KEST_TEST(HistogramTest)
 #include "tst_histogram.moc"

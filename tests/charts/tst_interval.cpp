@@ -1,4 +1,5 @@
 #include "charts/interval.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -86,5 +87,5 @@ void IntervalTest::clear_makes_it_empty_again()
     QCOMPARE(interval.max, -qInf());
 }
 
-QTEST_GUILESS_MAIN(IntervalTest)
+KEST_GUILESS_TEST(IntervalTest)
 #include "tst_interval.moc"

@@ -2,6 +2,7 @@
 #include "chart_scenes.h"
 #include "expected_drawing.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QFontInfo>
 #include <QPainter>
@@ -383,5 +384,5 @@ void LineChartTest::all_series_can_be_locked()
     }
 }
 
-QTEST_MAIN(LineChartTest)
+KEST_TEST(LineChartTest)
 #include "tst_line_chart.moc"

@@ -1,5 +1,6 @@
 #include "chart_scenes.h"
 #include "expected_drawing.h"
+#include "support/test_program.h"
 
 #include <QFontInfo>
 #include <QPainter>
@@ -229,5 +230,5 @@ void LineChartDrawingTest::odd_data_and_rectangles_neither_crash_nor_hang()
     }
 }
 
-QTEST_MAIN(LineChartDrawingTest)
+KEST_TEST(LineChartDrawingTest)
 #include "tst_line_chart_drawing.moc"

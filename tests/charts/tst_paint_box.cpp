@@ -1,4 +1,5 @@
 #include "charts/paint_box.h"
+#include "support/test_program.h"
 
 #include <QPainter>
 #include <QRubberBand>
@@ -227,5 +228,5 @@ void PaintBoxTest::a_box_may_die_during_a_drag()
     QVERIFY(band.isNull());
 }
 
-QTEST_MAIN(PaintBoxTest)
+KEST_TEST(PaintBoxTest)
 #include "tst_paint_box.moc"

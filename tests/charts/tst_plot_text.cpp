@@ -1,6 +1,7 @@
 #include "charts/plot_text.h"
 #include "expected_drawing.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QPainter>
 #include <QtTest>
@@ -162,5 +163,5 @@ void PlotTextTest::far_away_anchors_draw_nothing_and_end()
     QCOMPARE(image, before);
 }
 
-QTEST_MAIN(PlotTextTest)
+KEST_TEST(PlotTextTest)
 #include "tst_plot_text.moc"

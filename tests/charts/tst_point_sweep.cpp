@@ -1,4 +1,5 @@
 #include "charts/point_sweep.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -251,5 +252,5 @@ void PointSweepTest::every_point_comes_once_and_in_order()
         QVERIFY(rests[i] == constant[i].constEnd());
 }
 
-QTEST_GUILESS_MAIN(PointSweepTest)
+KEST_GUILESS_TEST(PointSweepTest)
 #include "tst_point_sweep.moc"

@@ -1,4 +1,5 @@
 #include "charts/series.h"
+#include "support/test_program.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -156,7 +157,7 @@ void SeriesTest::wrong_axes_end_the_program()
     QFETCH(QString, axes);
     QFETCH(QString, output);
     QProcess process;
-    process.start(QCoreApplication::applicationFilePath(), {"--set-axes", axes});
+    process.start(QCoreApplication::applicationFilePath(), {"tst_series", "--set-axes", axes});
     QVERIFY(process.waitForStarted());
     process.write("\n");
     process.closeWriteChannel();
@@ -211,13 +212,13 @@ int set_axes(const QByteArray& axes)
     return 0;
 }
 
-int main(int argc, char** argv)
+static int tests_or_axes(int argc, char** argv)
 {
     if (argc == 3 && QByteArray(argv[1]) == "--set-axes")
         return set_axes(argv[2]);
-    QCoreApplication application(argc, argv);
-    SeriesTest test;
-    return QTest::qExec(&test, argc, argv);
+    return run_tests<QCoreApplication, SeriesTest>(argc, argv);
 }
+
+KEST_TEST_MAIN(tests_or_axes)
 
 #include "tst_series.moc"

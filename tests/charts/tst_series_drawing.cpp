@@ -1,5 +1,6 @@
 #include "charts/series.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QPainter>
 #include <QtTest>
@@ -312,5 +313,5 @@ void SeriesDrawingTest::far_vertices_end_on_pixels_too()
     QCOMPARE(outside, white);
 }
 
-QTEST_MAIN(SeriesDrawingTest)
+KEST_TEST(SeriesDrawingTest)
 #include "tst_series_drawing.moc"

@@ -1,6 +1,7 @@
 #include "charts/plot_text.h"
 #include "charts/text_shapes.h"
 #include "support/recording_paint_device.h"
+#include "support/test_program.h"
 
 #include <QImage>
 #include <QPainter>
@@ -214,5 +215,5 @@ void TextShapesTest::fonts_without_end_do_not_pile_up()
     QCOMPARE(shapes.count(), 8);
 }
 
-QTEST_MAIN(TextShapesTest)
+KEST_TEST(TextShapesTest)
 #include "tst_text_shapes.moc"

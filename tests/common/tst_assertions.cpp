@@ -1,4 +1,5 @@
 #include "common/assertions.h"
+#include "support/test_program.h"
 
 #include <QProcess>
 #include <QtTest>
@@ -7,7 +8,7 @@
 
 namespace
 {
-/** What this executable does instead of the tests when it is called with "--assert". */
+/** What this class of tests does instead of the tests when it is called with "--assert". */
 int run_assertion(bool condition, bool fatal)
 {
     assert_fatal(condition, "axis must be top or bottom", fatal);
@@ -26,8 +27,9 @@ Outcome run_child(bool condition, bool fatal, const QByteArray& input)
 {
     QProcess child;
     child.setProcessChannelMode(QProcess::SeparateChannels);
-    child.start(QCoreApplication::applicationFilePath(),
-                {"--assert", condition ? "true" : "false", fatal ? "fatal" : "mild"});
+    child.start(
+        QCoreApplication::applicationFilePath(),
+        {"tst_assertions", "--assert", condition ? "true" : "false", fatal ? "fatal" : "mild"});
     child.write(input);
     child.closeWriteChannel();
     child.waitForFinished(-1);
@@ -103,19 +105,19 @@ void AssertionsTest::a_fatal_failure_reads_one_line_behind_white_space()
     QProcess shell;
     shell.setStandardInputFile(input.fileName());
     // cat gets the standard input where the child has left it.
-    shell.start("/bin/sh", {"-c", "\"$0\" --assert false fatal >&2; cat",
+    shell.start("/bin/sh", {"-c", "\"$0\" tst_assertions --assert false fatal >&2; cat",
                             QCoreApplication::applicationFilePath()});
     QVERIFY(shell.waitForFinished(-1));
     QCOMPARE(shell.readAllStandardOutput(), QByteArray("second line\n"));
 }
 
-int main(int argc, char* argv[])
+static int tests_or_assertion(int argc, char** argv)
 {
     if (argc == 4 && std::strcmp(argv[1], "--assert") == 0)
         return run_assertion(std::strcmp(argv[2], "true") == 0, std::strcmp(argv[3], "fatal") == 0);
-    QCoreApplication app(argc, argv);
-    AssertionsTest test;
-    return QTest::qExec(&test, argc, argv);
+    return run_tests<QCoreApplication, AssertionsTest>(argc, argv);
 }
+
+KEST_TEST_MAIN(tests_or_assertion)
 
 #include "tst_assertions.moc"

@@ -1,4 +1,5 @@
 #include "common/colors.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -97,5 +98,5 @@ void ColorsTest::a_gray_is_as_bright_as_its_channels()
         QCOMPARE(grayscale_value(QColor(channel, channel, channel)), channel);
 }
 
-QTEST_GUILESS_MAIN(ColorsTest)
+KEST_GUILESS_TEST(ColorsTest)
 #include "tst_colors.moc"

@@ -1,4 +1,5 @@
 #include "common/date_time.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -120,5 +121,5 @@ void DateTimeTest::milliseconds_are_kept_also_before_1970()
     QCOMPARE(Time::local_time(-1).toMSecsSinceEpoch(), qint64(-1));
 }
 
-QTEST_GUILESS_MAIN(DateTimeTest)
+KEST_GUILESS_TEST(DateTimeTest)
 #include "tst_date_time.moc"

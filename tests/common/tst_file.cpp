@@ -1,6 +1,7 @@
 #include "common/file.h"
 #include "support/ordinary_user.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -304,5 +305,5 @@ void FileTest::copy_file_fails_if_the_target_cannot_be_written()
     QVERIFY(!QFile::exists(dir.filePath("closed/target")));
 }
 
-QTEST_GUILESS_MAIN(FileTest)
+KEST_GUILESS_TEST(FileTest)
 #include "tst_file.moc"

@@ -1,4 +1,5 @@
 #include "common/frame_sides.h"
+#include "support/test_program.h"
 
 #include <QFrame>
 #include <QLabel>
@@ -138,6 +139,6 @@ void FrameSidesTest::a_changed_frame_is_painted_as_it_is_now()
     QCOMPARE(panel.grab().toImage(), plain.grab().toImage());
 }
 
-QTEST_MAIN(FrameSidesTest)
+KEST_TEST(FrameSidesTest)
 
 #include "tst_frame_sides.moc"

@@ -1,5 +1,6 @@
 #include "common/message_boxes.h"
 #include "support/modal_answer.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QtTest>
@@ -125,5 +126,5 @@ void MessageBoxesTest::a_true_assumption_shows_nothing()
     QVERIFY(answer.seen.empty());
 }
 
-QTEST_MAIN(MessageBoxesTest)
+KEST_TEST(MessageBoxesTest)
 #include "tst_message_boxes.moc"

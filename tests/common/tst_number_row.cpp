@@ -1,4 +1,5 @@
 #include "common/number_row.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -138,5 +139,5 @@ void NumberRowTest::halves_and_their_neighbours_are_written_as_the_toolkit_write
     }
 }
 
-QTEST_GUILESS_MAIN(NumberRowTest)
+KEST_GUILESS_TEST(NumberRowTest)
 #include "tst_number_row.moc"

@@ -1,4 +1,5 @@
 #include "common/parse_int.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -152,5 +153,5 @@ void ParseIntTest::a_radix_that_does_not_exist_fails()
     QCOMPARE(read, -77);
 }
 
-QTEST_GUILESS_MAIN(ParseIntTest)
+KEST_GUILESS_TEST(ParseIntTest)
 #include "tst_parse_int.moc"

@@ -1,4 +1,5 @@
 #include "common/plain_double.h"
+#include "support/test_program.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -134,5 +135,5 @@ void PlainDoubleTest::nothing_behind_the_end_is_read()
     QVERIFY(read_plain_double(begin, begin, value) == nullptr);
 }
 
-QTEST_GUILESS_MAIN(PlainDoubleTest)
+KEST_GUILESS_TEST(PlainDoubleTest)
 #include "tst_plain_double.moc"

@@ -1,5 +1,6 @@
 #include "common/text.h"
 #include "common/unicode.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -305,5 +306,5 @@ void TextTest::the_thin_space_is_one_character()
     QCOMPARE(int(text.at(2).unicode()), 0x2009);
 }
 
-QTEST_GUILESS_MAIN(TextTest)
+KEST_GUILESS_TEST(TextTest)
 #include "tst_text.moc"

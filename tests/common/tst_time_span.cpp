@@ -1,4 +1,5 @@
 #include "common/time_span.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -40,5 +41,5 @@ void TimeSpanTest::a_span_shows_its_pieces_from_the_first_that_counts()
     QCOMPARE(format_time_span(seconds), text);
 }
 
-QTEST_GUILESS_MAIN(TimeSpanTest)
+KEST_GUILESS_TEST(TimeSpanTest)
 #include "tst_time_span.moc"

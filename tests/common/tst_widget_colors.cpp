@@ -1,5 +1,6 @@
 #include "common/colors.h"
 #include "common/widget_colors.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -162,5 +163,5 @@ void WidgetColorsTest::a_label_is_really_filled()
     QCOMPARE(label.grab().toImage().pixelColor(10, 5), QColor(148, 36, 50));
 }
 
-QTEST_MAIN(WidgetColorsTest)
+KEST_TEST(WidgetColorsTest)
 #include "tst_widget_colors.moc"

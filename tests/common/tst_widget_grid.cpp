@@ -1,4 +1,5 @@
 #include "common/widget_grid.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -365,5 +366,5 @@ void WidgetGridTest::each_hint_is_asked_for_twice()
     QCOMPARE(block.times_asked, 2);
 }
 
-QTEST_MAIN(WidgetGridTest)
+KEST_TEST(WidgetGridTest)
 #include "tst_widget_grid.moc"

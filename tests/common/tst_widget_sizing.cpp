@@ -1,4 +1,5 @@
 #include "common/widget_sizing.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -326,5 +327,5 @@ void WidgetSizingTest::the_dots_alone_are_shown_if_nothing_else_fits()
     QCOMPARE(label.toolTip(), QString("MMMM"));
 }
 
-QTEST_MAIN(WidgetSizingTest)
+KEST_TEST(WidgetSizingTest)
 #include "tst_widget_sizing.moc"

@@ -5,6 +5,7 @@
 #include "support/profile_file.h"
 #include "support/settings_home.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -380,5 +381,5 @@ void BatteryProfilesTest::a_directory_of_that_name_is_refused()
     QVERIFY(BatteryProfiles::profiles.isEmpty());
 }
 
-QTEST_GUILESS_MAIN(BatteryProfilesTest)
+KEST_GUILESS_TEST(BatteryProfilesTest)
 #include "tst_battery_profiles.moc"

@@ -3,6 +3,7 @@
 #include "support/ordinary_user.h"
 #include "support/profile_file.h"
 #include "support/settings_home.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -307,5 +308,5 @@ void BatteryProfilesSavingTest::a_save_to_a_read_only_file_fails()
     home = std::make_unique<SettingsHome>();
 }
 
-QTEST_GUILESS_MAIN(BatteryProfilesSavingTest)
+KEST_GUILESS_TEST(BatteryProfilesSavingTest)
 #include "tst_battery_profiles_saving.moc"

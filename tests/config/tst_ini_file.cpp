@@ -3,6 +3,7 @@
 #include "support/modal_answer.h"
 #include "support/ordinary_user.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -260,5 +261,5 @@ void INIFileTest::deleting_a_section_takes_its_variables()
     QCOMPARE(memory_of(ini), QStringList({"a/", "a/e=3", "c/", "c/d=2"}));
 }
 
-QTEST_MAIN(INIFileTest)
+KEST_TEST(INIFileTest)
 #include "tst_ini_file.moc"

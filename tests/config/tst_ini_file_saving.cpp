@@ -3,6 +3,7 @@
 #include "support/modal_answer.h"
 #include "support/ordinary_user.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -180,5 +181,5 @@ void INIFileSavingTest::saving_follows_a_link()
     QCOMPARE(content_of(dir.filePath("real.cfg")), QByteArray("[a]\nb=1\n\n"));
 }
 
-QTEST_MAIN(INIFileSavingTest)
+KEST_TEST(INIFileSavingTest)
 #include "tst_ini_file_saving.moc"

@@ -1,4 +1,5 @@
 #include "config/ini_section.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -249,5 +250,5 @@ void INISectionTest::deleting_tells_how_many_went()
     QCOMPARE(section.get_variable_names(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(INISectionTest)
+KEST_GUILESS_TEST(INISectionTest)
 #include "tst_ini_section.moc"

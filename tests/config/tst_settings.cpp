@@ -4,6 +4,7 @@
 #include "support/ordinary_user.h"
 #include "support/settings_home.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -371,5 +372,5 @@ void SettingsTest::a_directory_with_a_line_break_does_not_keep_the_program_from_
     QCOMPARE(Settings::get_log_dir(), QString("/logs of March"));
 }
 
-QTEST_MAIN(SettingsTest)
+KEST_TEST(SettingsTest)
 #include "tst_settings.moc"

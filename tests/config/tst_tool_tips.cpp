@@ -2,6 +2,7 @@
 #include "support/console_capture.h"
 #include "support/modal_answer.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QLabel>
 #include <QTextDocument>
@@ -319,5 +320,5 @@ void ToolTipsTest::a_thousand_texts_and_a_long_one_are_taken()
     QCOMPARE(ToolTips::tooltips.value(0).size(), 1000000);
 }
 
-QTEST_MAIN(ToolTipsTest)
+KEST_TEST(ToolTipsTest)
 #include "tst_tool_tips.moc"

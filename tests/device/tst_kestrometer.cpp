@@ -1,6 +1,7 @@
 #include "device/kestrometer.h"
 
 #include "support/test_clock.h"
+#include "support/test_program.h"
 #include "support/wire.h"
 
 #include <QSignalSpy>
@@ -282,5 +283,5 @@ void KestrometerTest::three_seconds_of_silence_are_unresponsive()
     QVERIFY(!bench.instrument.is_unresponsive());
 }
 
-QTEST_GUILESS_MAIN(KestrometerTest)
+KEST_GUILESS_TEST(KestrometerTest)
 #include "tst_kestrometer.moc"

@@ -3,6 +3,7 @@
 #include "support/console_capture.h"
 #include "support/modal_answer.h"
 #include "support/test_clock.h"
+#include "support/test_program.h"
 #include "support/wire.h"
 
 #include <QBuffer>
@@ -402,5 +403,5 @@ void KestrometerCommandsTest::a_port_that_vanishes_with_commands_waiting_is_clos
     QVERIFY(spin_until([&] { return !bench.instrument.port.isOpen(); }));
 }
 
-QTEST_MAIN(KestrometerCommandsTest)
+KEST_TEST(KestrometerCommandsTest)
 #include "tst_kestrometer_commands.moc"

@@ -1,6 +1,7 @@
 #include "device/kestrometer.h"
 
 #include "support/test_clock.h"
+#include "support/test_program.h"
 #include "support/wire.h"
 
 #include <QBuffer>
@@ -238,5 +239,5 @@ void KestrometerFramingTest::a_listener_may_delete_the_object()
     QVERIFY(Kestrometer(bench.wire.port_name()).port.isOpen());
 }
 
-QTEST_GUILESS_MAIN(KestrometerFramingTest)
+KEST_GUILESS_TEST(KestrometerFramingTest)
 #include "tst_kestrometer_framing.moc"

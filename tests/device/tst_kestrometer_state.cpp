@@ -1,4 +1,5 @@
 #include "device/kestrometer_state.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -42,5 +43,5 @@ void KestrometerStateTest::each_state_but_unknown_has_a_command()
     QCOMPARE(command_for_state(Unknown), QByteArray());
 }
 
-QTEST_GUILESS_MAIN(KestrometerStateTest)
+KEST_GUILESS_TEST(KestrometerStateTest)
 #include "tst_kestrometer_state.moc"

@@ -1,4 +1,5 @@
 #include "device/raw_traffic.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -63,5 +64,5 @@ void RawTrafficTest::bytes_become_pairs_of_digits()
     QTEST(hex_text(bytes), "text");
 }
 
-QTEST_GUILESS_MAIN(RawTrafficTest)
+KEST_GUILESS_TEST(RawTrafficTest)
 #include "tst_raw_traffic.moc"

@@ -1,4 +1,5 @@
 #include "device/serial_ports.h"
+#include "support/test_program.h"
 
 #include <QSerialPortInfo>
 #include <QtTest>
@@ -66,5 +67,5 @@ void SerialPortsTest::an_empty_source_brings_the_machine_back()
     QCOMPARE(SerialPorts::names(), real_names());
 }
 
-QTEST_GUILESS_MAIN(SerialPortsTest)
+KEST_GUILESS_TEST(SerialPortsTest)
 #include "tst_serial_ports.moc"

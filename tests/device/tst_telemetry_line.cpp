@@ -1,4 +1,5 @@
 #include "device/telemetry_line.h"
+#include "support/test_program.h"
 
 #include "common/parse_int.h"
 
@@ -209,5 +210,5 @@ void TelemetryLineTest::damaged_lines_are_read_like_step_by_step()
     }
 }
 
-QTEST_GUILESS_MAIN(TelemetryLineTest)
+KEST_GUILESS_TEST(TelemetryLineTest)
 #include "tst_telemetry_line.moc"

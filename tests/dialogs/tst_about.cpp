@@ -5,6 +5,7 @@
 #include "support/form_slots.h"
 #include "support/help_document.h"
 #include "support/settings_home.h"
+#include "support/test_program.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
@@ -273,5 +274,5 @@ void AboutTest::the_logo_keeps_its_centre()
     }
 }
 
-QTEST_MAIN(AboutTest)
+KEST_TEST(AboutTest)
 #include "tst_about.moc"

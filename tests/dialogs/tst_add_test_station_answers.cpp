@@ -6,6 +6,7 @@
 #include "support/help_document.h"
 #include "support/modal_answer.h"
 #include "support/port_dialog_bench.h"
+#include "support/test_program.h"
 #include "support/wire.h"
 
 #include <QPointer>
@@ -253,5 +254,5 @@ void AddTestStationAnswersTest::exec_gives_the_instrument_to_the_caller()
     QCOMPARE(instrument->id, 7);
 }
 
-QTEST_MAIN(AddTestStationAnswersTest)
+KEST_TEST(AddTestStationAnswersTest)
 #include "tst_add_test_station_answers.moc"

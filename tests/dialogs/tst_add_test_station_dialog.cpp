@@ -7,6 +7,7 @@
 #include "support/help_document.h"
 #include "support/modal_answer.h"
 #include "support/port_dialog_bench.h"
+#include "support/test_program.h"
 #include "support/wire.h"
 
 #include <QFrame>
@@ -262,5 +263,5 @@ void AddTestStationDialogTest::refresh_opens_the_usbserial_port_anew()
     QCOMPARE(wire.commands(), QByteArray("OO"));
 }
 
-QTEST_MAIN(AddTestStationDialogTest)
+KEST_TEST(AddTestStationDialogTest)
 #include "tst_add_test_station_dialog.moc"

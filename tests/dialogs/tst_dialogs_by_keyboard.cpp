@@ -7,6 +7,7 @@
 #include "config/settings.h"
 #include "device/serial_ports.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QClipboard>
 #include <QComboBox>
@@ -263,5 +264,5 @@ void DialogsByKeyboardTest::fonts_are_tried_out()
     QCOMPARE(example->font().pointSize(), 1);
 }
 
-QTEST_MAIN(DialogsByKeyboardTest)
+KEST_TEST(DialogsByKeyboardTest)
 #include "tst_dialogs_by_keyboard.moc"

@@ -2,6 +2,7 @@
 #include "support/edit_settings_bench.h"
 #include "support/ordinary_user.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QFileDialog>
 #include <QtTest>
@@ -305,5 +306,5 @@ void EditSettingsChoosersTest::no_header_image_before_and_after_is_no_change()
     QVERIFY(bench.file_is(FIRST_SETTINGS_FILE));
 }
 
-QTEST_MAIN(EditSettingsChoosersTest)
+KEST_TEST(EditSettingsChoosersTest)
 #include "tst_edit_settings_choosers.moc"

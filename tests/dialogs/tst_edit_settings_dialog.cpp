@@ -7,6 +7,7 @@
 #include "support/ordinary_user.h"
 #include "support/station_bench.h"
 #include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QGuiApplication>
@@ -356,5 +357,5 @@ void EditSettingsDialogTest::an_unchanged_dialog_leaves_running_stations_alone()
     QVERIFY(running.instrument->telemetry_log != nullptr);
 }
 
-QTEST_MAIN(EditSettingsDialogTest)
+KEST_TEST(EditSettingsDialogTest)
 #include "tst_edit_settings_dialog.moc"

@@ -1,6 +1,7 @@
 #include "dialogs/preexisting_log_file_dialog.h"
 #include "support/form_slots.h"
 #include "support/modal_answer.h"
+#include "support/test_program.h"
 
 #include <QFrame>
 #include <QLabel>
@@ -207,5 +208,5 @@ void PreexistingLogFileDialogTest::every_slot_finds_its_widget()
     QCOMPARE(slots_without_widget(&dialog), QStringList());
 }
 
-QTEST_MAIN(PreexistingLogFileDialogTest)
+KEST_TEST(PreexistingLogFileDialogTest)
 #include "tst_preexisting_log_file_dialog.moc"

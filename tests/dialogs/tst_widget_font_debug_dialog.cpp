@@ -1,6 +1,7 @@
 #include "dialogs/widget_font_debug_dialog.h"
 
 #include "support/form_slots.h"
+#include "support/test_program.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
@@ -313,5 +314,5 @@ void WidgetFontDebugDialogTest::ok_accepts()
     QVERIFY(!bench.dialog.isVisible());
 }
 
-QTEST_MAIN(WidgetFontDebugDialogTest)
+KEST_TEST(WidgetFontDebugDialogTest)
 #include "tst_widget_font_debug_dialog.moc"

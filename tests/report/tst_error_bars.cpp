@@ -1,4 +1,5 @@
 #include "report/error_bars.h"
+#include "support/test_program.h"
 
 #include "charts/series.h"
 
@@ -161,5 +162,5 @@ void ErrorBarsTest::ends_are_truncated_to_pixels()
     QCOMPARE(bench.bars(), QList<QLine>{QLine(173, 524, 173, 674)});
 }
 
-QTEST_GUILESS_MAIN(ErrorBarsTest)
+KEST_GUILESS_TEST(ErrorBarsTest)
 #include "tst_error_bars.moc"

@@ -1,4 +1,5 @@
 #include "report/report_layout.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -101,5 +102,5 @@ void ReportLayoutTest::fractions_of_the_resolution_are_truncated()
     QCOMPARE(layout.dot_radius(), 1);
 }
 
-QTEST_GUILESS_MAIN(ReportLayoutTest)
+KEST_GUILESS_TEST(ReportLayoutTest)
 #include "tst_report_layout.moc"

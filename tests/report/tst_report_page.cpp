@@ -1,6 +1,7 @@
 #include "charts/expected_drawing.h"
 #include "recorded_texts.h"
 #include "report_page_bench.h"
+#include "support/test_program.h"
 
 #include <QFontInfo>
 #include <QtTest>
@@ -247,5 +248,5 @@ void ReportPageTest::a_test_without_cycles_is_a_page_too()
     QCOMPARE(recorded_texts(device).size(), 2 + 5 + 4 + 1);
 }
 
-QTEST_MAIN(ReportPageTest)
+KEST_TEST(ReportPageTest)
 #include "tst_report_page.moc"

@@ -1,5 +1,6 @@
 #include "recorded_texts.h"
 #include "report_page_bench.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -164,5 +165,5 @@ void ReportTableTest::many_cycles_run_off_the_page()
     QCOMPARE(last.anchor.y(), recorded_text(device, "Discharge # 1").anchor.y());
 }
 
-QTEST_MAIN(ReportTableTest)
+KEST_TEST(ReportTableTest)
 #include "tst_report_table.moc"

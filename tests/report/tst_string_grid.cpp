@@ -1,5 +1,6 @@
 #include "recorded_texts.h"
 #include "report/string_grid.h"
+#include "support/test_program.h"
 
 #include <QFontInfo>
 #include <QFontMetrics>
@@ -368,5 +369,5 @@ void StringGridTest::lines_come_before_texts()
     QCOMPARE(kinds, QString("lllllltttt"));
 }
 
-QTEST_MAIN(StringGridTest)
+KEST_TEST(StringGridTest)
 #include "tst_string_grid.moc"

@@ -1,5 +1,6 @@
 #include "station/test_station.h"
 #include "support/station_bench.h"
+#include "support/test_program.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -104,5 +105,5 @@ void ParametersTest::a_broken_hour_is_shown_truncated_and_kept()
     QCOMPARE(bench.station->max_charge_time, 9000);
 }
 
-QTEST_MAIN(ParametersTest)
+KEST_TEST(ParametersTest)
 #include "tst_parameters.moc"

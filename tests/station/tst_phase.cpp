@@ -1,4 +1,5 @@
 #include "station/phase.h"
+#include "support/test_program.h"
 
 #include <QSet>
 #include <QtTest>
@@ -71,5 +72,5 @@ void PhaseTest::every_phase_is_in_one_set_of_each_kind()
     QCOMPARE(traits.command == no_command, told_nothing.contains(phase));
 }
 
-QTEST_GUILESS_MAIN(PhaseTest)
+KEST_GUILESS_TEST(PhaseTest)
 #include "tst_phase.moc"

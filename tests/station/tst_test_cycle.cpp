@@ -1,4 +1,5 @@
 #include "station/test_cycle.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -104,5 +105,5 @@ void TestCycleTest::the_voltage_at_30_percent_stands_at_two_thirds_of_the_discha
     QTEST(voltage, "voltage");
 }
 
-QTEST_MAIN(TestCycleTest)
+KEST_TEST(TestCycleTest)
 #include "tst_test_cycle.moc"

@@ -1,13 +1,14 @@
 #include "support/golden_file.h"
 
-#include <QDir>
+#include "support/test_files.h"
+
 #include <QFile>
 
 namespace
 {
 QString golden_path(const QString& file_name)
 {
-    return QDir(KEST_TEST_DATA).filePath("whole/" + file_name);
+    return test_data("whole/" + file_name);
 }
 
 QString write_golden(const QString& file_name, const QByteArray& bytes)

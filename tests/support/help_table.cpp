@@ -16,7 +16,7 @@ QString without_entities(QString text)
 QList<HelpEntry> read_table()
 {
     QList<HelpEntry> entries;
-    const QString content = QString::fromUtf8(content_of(KEST_TEST_DATA "/help/texts.txt"));
+    const QString content = QString::fromUtf8(content_of(test_data("help/texts.txt")));
     for (const QString& line : content.split('\n', Qt::SkipEmptyParts)) {
         if (line.startsWith('#'))
             continue;

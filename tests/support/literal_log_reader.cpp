@@ -4,7 +4,7 @@
 #include "common/parse_int.h"
 #include "common/text.h"
 #include "common/truncated_int.h"
-#include "station/parse_date_time.h"
+#include "station/logs/parse_date_time.h"
 
 #include <QTextStream>
 

@@ -2,12 +2,11 @@
 
 #include "support/test_files.h"
 
-#include <QDir>
 #include <QtTest>
 
 QByteArray sample_log(const char* name)
 {
-    return content_of(QDir(KEST_TEST_DATA "/logs").filePath(name));
+    return content_of(test_data(QString("logs/") + name));
 }
 
 QString place_log(const StationBench& bench, const char* name, const QString& as)

@@ -1,7 +1,7 @@
 #include "support/read_log.h"
 
-#include "station/current_log_reader.h"
-#include "station/old_log_reader.h"
+#include "station/logs/current_log_reader.h"
+#include "station/logs/old_log_reader.h"
 
 #include <QTextStream>
 

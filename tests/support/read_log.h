@@ -1,6 +1,6 @@
 #pragma once
 
-#include "station/log_target.h"
+#include "station/logs/log_target.h"
 
 #include <QByteArray>
 #include <QDateTime>

@@ -2,6 +2,16 @@
 
 #include <QFile>
 
+QString source_file(const QString& path)
+{
+    return KEST_SOURCE_DIR "/" + path;
+}
+
+QString test_data(const QString& path)
+{
+    return source_file("tests/data/" + path);
+}
+
 bool write_file(const QString& path, const QByteArray& content)
 {
     QFile file(path);

@@ -103,11 +103,3 @@ struct Reader
     QSerialPort port;
     QByteArray received;
 };
-
-inline QByteArray write_file(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    file.open(QIODevice::WriteOnly);
-    file.write(content);
-    return content;
-}

@@ -6,6 +6,7 @@
 #include "support/console_capture.h"
 #include "support/help_document.h"
 #include "support/settings_home.h"
+#include "support/test_program.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -80,5 +81,5 @@ void DemoTest::an_unattended_run_ends_with_an_error_if_its_station_is_closed()
     QCOMPARE(ending.status, 1);
 }
 
-QTEST_MAIN(DemoTest)
+KEST_TEST(DemoTest)
 #include "tst_demo.moc"

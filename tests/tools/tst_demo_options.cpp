@@ -1,4 +1,5 @@
 #include "demo/demo_options.h"
+#include "support/test_program.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -86,5 +87,5 @@ void DemoOptionsTest::bad_arguments_are_refused()
     QCOMPARE(options.speed, 60.0);
 }
 
-QTEST_GUILESS_MAIN(DemoOptionsTest)
+KEST_GUILESS_TEST(DemoOptionsTest)
 #include "tst_demo_options.moc"

@@ -1,5 +1,7 @@
 #include "simulator/faults.h"
 #include "simulator/simulated_instrument.h"
+#include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -100,7 +102,7 @@ void FaultLinesTest::help_names_every_fault()
 
 void FaultLinesTest::the_manual_names_every_fault()
 {
-    QFile manual(KEST_SOURCE_DIR "/docs/simulator.md");
+    QFile manual(source_file("docs/simulator.md"));
     QVERIFY(manual.open(QIODevice::ReadOnly));
     const QStringList lines = QString::fromUtf8(manual.readAll()).split('\n');
     QStringList rows;
@@ -113,6 +115,6 @@ void FaultLinesTest::the_manual_names_every_fault()
     QCOMPARE(rows, expected);
 }
 
-QTEST_GUILESS_MAIN(FaultLinesTest)
+KEST_GUILESS_TEST(FaultLinesTest)
 
 #include "tst_fault_lines.moc"

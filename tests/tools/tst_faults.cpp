@@ -1,5 +1,6 @@
 #include "simulator/faults.h"
 #include "simulator/simulated_instrument.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -320,6 +321,6 @@ void FaultsTest::clear_ends_them_all()
     }
 }
 
-QTEST_GUILESS_MAIN(FaultsTest)
+KEST_GUILESS_TEST(FaultsTest)
 
 #include "tst_faults.moc"

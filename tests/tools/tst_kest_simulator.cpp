@@ -1,4 +1,6 @@
 #include "simulator_process.h"
+#include "support/test_files.h"
+#include "support/test_program.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -241,7 +243,7 @@ void KestSimulatorTest::a_recording_is_played_to_its_end()
     QByteArray lines;
     for (int i = 0; i < 5000; ++i)
         lines += "line " + QByteArray::number(i) + "\n";
-    write_file(folder.filePath("lines"), lines);
+    QVERIFY(write_file(folder.filePath("lines"), lines));
     Simulator simulator(
         {"--replay", folder.filePath("lines"), "--rate", "1000", "--speed", "10", "--exit-at-end"});
     Reader reader(simulator.next_line());
@@ -253,7 +255,7 @@ void KestSimulatorTest::a_recording_is_played_to_its_end()
 void KestSimulatorTest::a_recording_is_read_to_its_last_byte()
 {
     QTemporaryDir folder;
-    write_file(folder.filePath("lines"), "one\n");
+    QVERIFY(write_file(folder.filePath("lines"), "one\n"));
     Simulator simulator({"--replay", folder.filePath("lines"), "--exit-at-end"});
     const QString path = simulator.next_line();
     const int slow = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NOCTTY);
@@ -272,10 +274,10 @@ void KestSimulatorTest::a_recording_is_read_to_its_last_byte()
 void KestSimulatorTest::a_recording_keeps_its_own_pace()
 {
     QTemporaryDir folder;
-    write_file(folder.filePath("log.txt"), "2020-04-03 09:15:00 first\n"
-                                           "2020-04-03 09:15:00 43\n"
-                                           "2020-04-03 21:15:00 twelve hours later\n"
-                                           "2020-04-03 21:15:10 last\n");
+    QVERIFY(write_file(folder.filePath("log.txt"), "2020-04-03 09:15:00 first\n"
+                                                   "2020-04-03 09:15:00 43\n"
+                                                   "2020-04-03 21:15:00 twelve hours later\n"
+                                                   "2020-04-03 21:15:10 last\n"));
     // Twelve hours in half a second: without time lapse the test would not see the end.
     Simulator simulator(
         {"--replay", folder.filePath("log.txt"), "--speed", "86400", "--exit-at-end"});
@@ -288,7 +290,7 @@ void KestSimulatorTest::a_recording_keeps_its_own_pace()
 void KestSimulatorTest::a_recording_has_no_faults()
 {
     QTemporaryDir folder;
-    write_file(folder.filePath("lines"), "one\n");
+    QVERIFY(write_file(folder.filePath("lines"), "one\n"));
     Simulator simulator({"--replay", folder.filePath("lines")});
     Reader reader(simulator.next_line());
     simulator.say("echo");
@@ -336,6 +338,6 @@ void KestSimulatorTest::it_ends_with_standard_input_only_if_asked()
     QCOMPARE(other.process.state(), QProcess::Running);
 }
 
-QTEST_GUILESS_MAIN(KestSimulatorTest)
+KEST_GUILESS_TEST(KestSimulatorTest)
 
 #include "tst_kest_simulator.moc"

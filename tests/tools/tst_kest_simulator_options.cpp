@@ -1,4 +1,6 @@
 #include "simulator_process.h"
+#include "support/test_files.h"
+#include "support/test_program.h"
 
 #include "simulator/faults.h"
 
@@ -76,7 +78,8 @@ void KestSimulatorOptionsTest::a_link_that_cannot_be_made_ends_with_status_1()
     QFETCH(QString, name);
     QFETCH(QString, reason);
     QTemporaryDir folder;
-    const QByteArray content = write_file(folder.filePath("file"), "mine");
+    const QByteArray content = "mine";
+    QVERIFY(write_file(folder.filePath("file"), content));
     const QString link = folder.path() + "/" + name;
     Simulator simulator({"--link", link});
     QVERIFY(simulator.ends_with(1));
@@ -108,7 +111,7 @@ void KestSimulatorOptionsTest::the_manual_tells_every_option()
     Simulator simulator({"-h"});
     QVERIFY(simulator.ends_with(0));
     const QString help = QString::fromLocal8Bit(simulator.process.readAllStandardOutput());
-    QFile manual(KEST_SOURCE_DIR "/docs/simulator.md");
+    QFile manual(source_file("docs/simulator.md"));
     QVERIFY(manual.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(manual.readAll());
     QRegularExpressionMatchIterator options =
@@ -180,6 +183,6 @@ void KestSimulatorOptionsTest::a_bad_argument_is_told()
     QCOMPARE(simulator.process.readAllStandardOutput(), QByteArray());
 }
 
-QTEST_GUILESS_MAIN(KestSimulatorOptionsTest)
+KEST_GUILESS_TEST(KestSimulatorOptionsTest)
 
 #include "tst_kest_simulator_options.moc"

@@ -1,4 +1,5 @@
 #include "simulator/pack_model.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -229,6 +230,6 @@ void PackModelTest::the_default_pack_does_two_cycles_in_less_than_four_hours()
     QVERIFY2(seconds > 3600 && seconds < 4 * 3600, qPrintable(QString::number(seconds)));
 }
 
-QTEST_GUILESS_MAIN(PackModelTest)
+KEST_GUILESS_TEST(PackModelTest)
 
 #include "tst_pack_model.moc"

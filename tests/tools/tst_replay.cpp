@@ -1,4 +1,5 @@
 #include "simulator/replay.h"
+#include "support/test_program.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -158,6 +159,6 @@ void ReplayTest::what_cannot_be_played_is_told()
     QCOMPARE(told, error.arg(folder.filePath(name)));
 }
 
-QTEST_GUILESS_MAIN(ReplayTest)
+KEST_GUILESS_TEST(ReplayTest)
 
 #include "tst_replay.moc"

@@ -1,4 +1,5 @@
 #include "simulator/simulated_instrument.h"
+#include "support/test_program.h"
 
 #include <QtTest>
 
@@ -277,6 +278,6 @@ void SimulatedInstrumentTest::two_instruments_with_the_same_input_say_the_same()
     QCOMPARE(first.count('\n'), script.size());
 }
 
-QTEST_GUILESS_MAIN(SimulatedInstrumentTest)
+KEST_GUILESS_TEST(SimulatedInstrumentTest)
 
 #include "tst_simulated_instrument.moc"

@@ -1,0 +1,9 @@
+#include "station/panel/selection_killer_delegate.h"
+
+void SelectionKillerDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
+                                    const QModelIndex& index) const
+{
+    QStyleOptionViewItem unselected = option;
+    unselected.state &= ~QStyle::State_Selected;
+    QItemDelegate::paint(painter, unselected, index);
+}

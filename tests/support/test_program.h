@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QApplication>
+#include <QtTest>
+
+/**
+ * A class of tests in the program of its folder, where it goes by the name of its file: what follows
+ * that name on the command line is for the class alone.
+ */
+class TestProgram
+{
+public:
+    using Main = int (*)(int argc, char** argv);
+
+    TestProgram(const char* file, Main run);
+
+    /** Runs the class that the first argument names; without one, tells the names that there are. */
+    static int main(int argc, char** argv);
+};
+
+template <typename Application, typename Tests> int run_tests(int argc, char** argv)
+{
+    const Application application(argc, argv);
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi, true);
+    Tests tests;
+    return QTest::qExec(&tests, argc, argv);
+}
+
+#define KEST_TEST_MAIN(run) static const TestProgram test_program(__FILE__, run);
+#define KEST_TEST(Tests) KEST_TEST_MAIN((run_tests<QApplication, Tests>))
+#define KEST_GUILESS_TEST(Tests) KEST_TEST_MAIN((run_tests<QCoreApplication, Tests>))
