@@ -2,6 +2,7 @@
 
 #include "ui_main_window.h"
 
+#include "charts/chart_palette.h"
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
 #include "charts/raster_clip.h"
@@ -64,6 +65,8 @@ void MainWindow::set_up_chart_boxes()
         box->rubberband_enabled = true;
         // Each paint fills the whole box: the ground below need not be painted first.
         box->setAttribute(Qt::WA_OpaquePaintEvent);
+        // Its controls inherit that.
+        box->setPalette(chart_palette());
         connect(box, &PaintBox::sig_rubberband, this, &MainWindow::slot_rubberband);
     }
 }

@@ -22,7 +22,38 @@ Q_DECLARE_METATYPE(LineChart*)
 namespace
 {
 const QString MILLIOHM = QString("m") + QChar(0x2126);
+
+/** The colours of the desktop, as long as it lives. */
+class DesktopColors
+{
+public:
+    explicit DesktopColors(const QPalette& palette) : former(QApplication::palette())
+    {
+        QApplication::setPalette(palette);
+    }
+
+    ~DesktopColors()
+    {
+        QApplication::setPalette(former);
+    }
+
+private:
+    const QPalette former;
+};
+
+/** Both charts, with either choice of the lower one and room for all controls. */
+QList<QImage> looks_of(const ChartWindow& bench)
+{
+    bench.window->showNormal();
+    bench.window->resize(1500, 800);
+    QList<QImage> looks;
+    for (const char* choice : {"RBatt", "Current"}) {
+        bench.widget<QComboBox>("cbBottomChart")->setCurrentText(choice);
+        looks << bench.shown(bench.upper) << bench.shown(bench.lower);
+    }
+    return looks;
 }
+}  // namespace
 
 /** The charts and their controls as the window makes them, and the rate of their refresh. */
 class ChartSetUpTest : public QObject
@@ -39,6 +70,7 @@ private slots:
     void the_controls_stand_in_their_positions();
     void the_lower_controls_follow_a_new_size();
     void a_second_window_gets_the_label_too();
+    void controls_look_the_same_under_every_palette();
     void the_refresh_rate_comes_from_the_settings_data();
     void the_refresh_rate_comes_from_the_settings();
     void the_settings_dialog_sets_the_rate_again();
@@ -198,6 +230,22 @@ void ChartSetUpTest::a_second_window_gets_the_label_too()
             labels += found->text() == "Chart to display: " && found->isVisible() ? 1 : 0;
         QCOMPARE(labels, 1);
     }
+}
+
+/** On the charts' white, the light letters of a dark desktop could not be read. */
+void ChartSetUpTest::controls_look_the_same_under_every_palette()
+{
+    QPalette dark(QColor(45, 45, 48), QColor(30, 30, 30));
+    dark.setColor(QPalette::Base, QColor(20, 20, 20));
+    QCOMPARE(dark.color(QPalette::WindowText), QColor(Qt::white));
+    auto bench = std::make_unique<ChartWindow>();
+    const QList<QImage> looks = looks_of(*bench);
+    const DesktopColors colors(dark);
+    QCOMPARE(bench->header->palette().color(QPalette::WindowText), QColor(Qt::white));
+    QCOMPARE(looks_of(*bench), looks);
+    // Before the next window, as both have the same label.
+    bench.reset();
+    QCOMPARE(looks_of(ChartWindow()), looks);
 }
 
 void ChartSetUpTest::the_refresh_rate_comes_from_the_settings_data()
