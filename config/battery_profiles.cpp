@@ -78,28 +78,35 @@ struct Field
     QLatin1String key;
     bool (*read)(const QStringRef& value, BatteryProfile& profile);
     QString (*written)(const BatteryProfile& profile);
+    QLatin1String takes;
 };
 
 using P = BatteryProfile;
 
+const QLatin1String TEXT("a text");
+const QLatin1String WHOLE_NUMBER("a whole number");
+const QLatin1String NUMBER("a number with a decimal point");
+const QLatin1String YES_OR_NO("Yes or No");
+
 // In the order of the file.
 const Field FIELDS[] = {
     {QLatin1String("serial_number_template"), read_text<&P::serial_number_template>,
-     written<&P::serial_number_template>},
+     written<&P::serial_number_template>, TEXT},
     {QLatin1String("number_of_cycles"), read_int<&P::number_of_cycles>,
-     written<&P::number_of_cycles>},
-    {QLatin1String("max_charge_time_hr"), read_hours, written_hours},
+     written<&P::number_of_cycles>, WHOLE_NUMBER},
+    {QLatin1String("max_charge_time_hr"), read_hours, written_hours, NUMBER},
     {QLatin1String("low_voltage_cutoff"), read_double<&P::low_voltage_cutoff>,
-     written<&P::low_voltage_cutoff>},
-    {QLatin1String("final_voltage"), read_double<&P::final_voltage>, written<&P::final_voltage>},
+     written<&P::low_voltage_cutoff>, NUMBER},
+    {QLatin1String("final_voltage"), read_double<&P::final_voltage>, written<&P::final_voltage>,
+     NUMBER},
     {QLatin1String("detect_full_charge"), read_bool<&P::detect_full_charge>,
-     written_bool<&P::detect_full_charge>},
+     written_bool<&P::detect_full_charge>, YES_OR_NO},
     {QLatin1String("prompt_to_discharge"), read_bool<&P::prompt_to_discharge>,
-     written_bool<&P::prompt_to_discharge>},
+     written_bool<&P::prompt_to_discharge>, YES_OR_NO},
     {QLatin1String("measure_internal_resistance"), read_bool<&P::measure_internal_resistance>,
-     written_bool<&P::measure_internal_resistance>},
+     written_bool<&P::measure_internal_resistance>, YES_OR_NO},
     {QLatin1String("ir_test_interval_ah"), read_double<&P::ir_test_interval_ah>,
-     written<&P::ir_test_interval_ah>},
+     written<&P::ir_test_interval_ah>, NUMBER},
 };
 
 void insert(BatteryProfile* profile)
@@ -131,28 +138,38 @@ BatteryProfile* add_profile(const QStringRef& header)
     return profile;
 }
 
-bool read_variable(const QStringRef& line, int equals_sign, BatteryProfile& profile)
+/** What is wrong with the line; empty for nothing. */
+QString read_variable(const QStringRef& line, int equals_sign, BatteryProfile& profile)
 {
     const QStringRef key = line.left(equals_sign).trimmed();
     const auto* const field =
         std::find_if(std::begin(FIELDS), std::end(FIELDS),
                      [&key](const Field& candidate) { return key == candidate.key; });
-    return field != std::end(FIELDS) && field->read(line.mid(equals_sign + 1).trimmed(), profile);
+    if (field == std::end(FIELDS))
+        return QString("names \"%1\", which no profile has").arg(key.toString());
+    const QStringRef value = line.mid(equals_sign + 1).trimmed();
+    if (field->read(value, profile))
+        return {};
+    return QString("gives \"%1\" for %2, which takes %3")
+        .arg(value.toString(), field->key, field->takes);
 }
 
-bool read_line(const QStringRef& line, BatteryProfile*& current)
+/** What is wrong with the line; empty for nothing. */
+QString read_line(const QStringRef& line, BatteryProfile*& current)
 {
     if (line.isEmpty() || line.startsWith('\''))
-        return true;
+        return {};
     if (line.startsWith('[') && line.endsWith(']')) {
         current = add_profile(line);
-        return true;
+        return {};
     }
     const int equals_sign = line.indexOf('=');
     // Mere words are passed over on purpose: notes in a file edited by hand do no harm.
     if (equals_sign < 0)
-        return true;
-    return current != nullptr && read_variable(line, equals_sign, *current);
+        return {};
+    if (current == nullptr)
+        return "stands before the first [profile]";
+    return read_variable(line, equals_sign, *current);
 }
 
 void write_profile(QTextStream& stream, BatteryProfile& profile)
@@ -182,16 +199,27 @@ bool BatteryProfiles::load()
     }
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
-    QTextStream stream(&file);
+    Refusal refusal;
+    if (read(file, refusal))
+        return true;
+    // For whoever edits the file by hand; the operator is shown nothing.
+    qWarning("%s, line %d cannot be understood.", qPrintable(file.fileName()), refusal.line);
+    return false;
+}
+
+bool BatteryProfiles::read(QIODevice& device, Refusal& refusal)
+{
+    QTextStream stream(&device);
     stream.setAutoDetectUnicode(false);
     BatteryProfile* current = nullptr;
     QString line;
     for (int number = 1; stream.readLineInto(&line); ++number) {
-        if (!read_line(QStringRef(&line).trimmed(), current)) {
-            // For whoever edits the file by hand; the operator is shown nothing.
-            qWarning("%s, line %d cannot be understood.", qPrintable(file.fileName()), number);
-            return false;
-        }
+        const QStringRef trimmed = QStringRef(&line).trimmed();
+        const QString reason = read_line(trimmed, current);
+        if (reason.isEmpty())
+            continue;
+        refusal = {number, trimmed.toString(), reason};
+        return false;
     }
     return true;
 }

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "config/refusal.h"
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
+
+class QIODevice;
 
 /** A named set of test parameters, to be applied to a panel in one step. */
 struct BatteryProfile
@@ -38,6 +42,8 @@ public:
      *         what stood before that line stays in memory
      */
     static bool load();
+    /** The same for what `device` holds, without a word to anybody: where and why it stops. */
+    static bool read(QIODevice& device, Refusal& refusal);
     /** Writes the file in place. False if it cannot be opened. */
     static bool save();
 

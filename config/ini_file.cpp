@@ -35,6 +35,7 @@ INIFile::~INIFile()
 
 bool INIFile::load()
 {
+    refusal = Refusal();
     if (!file->open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
     const bool complete = load_lines();
@@ -47,29 +48,36 @@ bool INIFile::load_lines()
     QTextStream stream(file);
     stream.setAutoDetectUnicode(false);
     INISection* current = nullptr;
-    while (!stream.atEnd()) {
-        if (!load_line(stream.readLine().trimmed(), current))
+    for (int number = 1; !stream.atEnd(); ++number) {
+        const QString line = stream.readLine().trimmed();
+        const QString reason = load_line(line, current);
+        if (!reason.isEmpty()) {
+            refusal = {number, line, reason};
             return false;
+        }
     }
     return true;
 }
 
-bool INIFile::load_line(const QString& line, INISection*& current)
+/** What is wrong with the line; empty for nothing. */
+QString INIFile::load_line(const QString& line, INISection*& current)
 {
     if (line.isEmpty())
-        return true;
+        return {};
     if (line.startsWith('[') && line.endsWith(']')) {
         QString section;
         string_between(line, "[", section, "]");
         add_section(section.trimmed(), current);
-        return true;
+        return {};
     }
     QString name;
     QString value;
-    if (!split_at_first(line, name, "=", value) || current == nullptr)
-        return false;
+    if (!split_at_first(line, name, "=", value))
+        return "is neither [section] nor name=value";
+    if (current == nullptr)
+        return "stands before the first [section]";
     current->set_value(name.trimmed(), value.trimmed());
-    return true;
+    return {};
 }
 
 bool INIFile::save()
@@ -89,6 +97,11 @@ bool INIFile::save()
     }
     file->close();
     return true;
+}
+
+const Refusal& INIFile::get_refusal() const
+{
+    return refusal;
 }
 
 QFile* INIFile::get_file() const

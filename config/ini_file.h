@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/ini_section.h"
+#include "config/refusal.h"
 
 #include <QMap>
 #include <QString>
@@ -31,6 +32,8 @@ public:
     bool save();
 
     QFile* get_file() const;
+    /** The line at which the last load() stopped; line 0 if the file could not be opened at all. */
+    const Refusal& get_refusal() const;
 
     /** Sorted, upper case before lower case. */
     QStringList get_section_names() const;
@@ -57,12 +60,13 @@ private:
     Q_DISABLE_COPY(INIFile)
 
     bool load_lines();
-    bool load_line(const QString& line, INISection*& current);
+    QString load_line(const QString& line, INISection*& current);
     template <typename Value>
     bool read_value(const QString& section, const QString& name, Value& value) const;
     template <typename Value>
     void write_value(const QString& section, const QString& name, Value value);
 
+    Refusal refusal;
     QFile* file;                          ///< owned; open during load() and save() only
     QMap<QString, INISection*> sections;  ///< owned; by name
 };
