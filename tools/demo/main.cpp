@@ -1,10 +1,12 @@
 #include "demo/demo.h"
+#include "demo/demo_console.h"
 #include "demo/demo_options.h"
 
 #include "app/termination_signals.h"
 #include "common/console.h"
 
 #include <QApplication>
+#include <QDir>
 
 #include <cstdio>
 
@@ -29,6 +31,10 @@ int run_demo(int argc, char** argv, const DemoOptions& options)
         std::fprintf(stderr, "kest-demo: %s\n", qPrintable(error));
         return 1;
     }
+    const DemoConsole console(QDir(demo.folder()).filePath("console.txt"));
+    demo.tell = [&console](const QString& text) {
+        console.tell(text);
+    };
     return QApplication::exec();
 }
 }  // namespace

@@ -2,14 +2,18 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 
 namespace
 {
 constexpr int START_TIMEOUT_MS = 10000;
 
+/** Beside the demo where both are installed, in a folder of its own where they were built. */
 QString simulator_program()
 {
-    return QDir(QCoreApplication::applicationDirPath()).filePath("../simulator/kest-simulator");
+    const QDir here(QCoreApplication::applicationDirPath());
+    const QString installed = here.filePath("kest-simulator");
+    return QFile::exists(installed) ? installed : here.filePath("../simulator/kest-simulator");
 }
 }  // namespace
 
