@@ -41,8 +41,8 @@ QString log_header()
     LogFormat::Section section;
     section.number = 1;
     section.start = QDateTime(QDate(2020, 4, 3), QTime(10, 2, 44));
-    section.measure_internal_resistance = true;
-    section.internal_resistance_test_interval_ah = 0.5;
+    section.parameters.measure_internal_resistance = true;
+    section.parameters.internal_resistance_test_interval_ah = 0.5;
     return LogFormat::file_header("Pack A", "1042") + LogFormat::discharge_section_header(section);
 }
 

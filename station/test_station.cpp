@@ -51,6 +51,32 @@ QString TestStation::get_short_id() const
                                   : QString("P%1").arg(preview_number);
 }
 
+TestParameters TestStation::parameters() const
+{
+    TestParameters values;
+    values.number_of_cycles = number_of_cycles;
+    values.max_charge_time = max_charge_time;
+    values.detect_full_charge = detect_full_charge;
+    values.low_voltage_cutoff = low_voltage_cutoff;
+    values.prompt_to_discharge = prompt_to_discharge;
+    values.final_voltage = final_voltage;
+    values.measure_internal_resistance = measure_internal_resistance;
+    values.internal_resistance_test_interval_ah = internal_resistance_test_interval_ah;
+    return values;
+}
+
+void TestStation::take(const TestParameters& given)
+{
+    number_of_cycles = given.number_of_cycles;
+    max_charge_time = given.max_charge_time;
+    detect_full_charge = given.detect_full_charge;
+    low_voltage_cutoff = given.low_voltage_cutoff;
+    prompt_to_discharge = given.prompt_to_discharge;
+    final_voltage = given.final_voltage;
+    measure_internal_resistance = given.measure_internal_resistance;
+    internal_resistance_test_interval_ah = given.internal_resistance_test_interval_ah;
+}
+
 QString TestStation::get_port_name() const
 {
     return kestrometer != nullptr ? kestrometer->get_port_name() : QString("Preview Only");

@@ -4,6 +4,7 @@
 #include "station/panel/selection_killer_delegate.h"
 #include "station/panel/shown_readouts.h"
 #include "station/test_cycle.h"
+#include "station/test_parameters.h"
 
 #include <QCheckBox>
 #include <QColor>
@@ -42,6 +43,10 @@ public:
     QString get_short_id() const;
     /** The instrument's port, or "Preview Only". */
     QString get_port_name() const;
+
+    TestParameters parameters() const;
+    /** What is given replaces the station's; populate_ui shows it. */
+    void take(const TestParameters& given);
 
     static QList<TestStation*> all_instances;  ///< every station, oldest first until sorted
     static int num_previews;                   ///< preview stations made so far
@@ -148,7 +153,7 @@ public:
     bool read_old_log(QTextStream* stream);
 
 private:
-    LogTarget log_target();
+    bool read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&));
 
     // ---- logs/load.cpp: the choice of an earlier log ----------------------
 private slots:

@@ -214,38 +214,38 @@ bool Pass::read_max_charge_time(const QString& value)
     double hours = 0.0;
     if (!read_number(value, hours))
         return false;
-    target.max_charge_time = truncated_int(hours * 3600.0);
+    target.parameters.max_charge_time = truncated_int(hours * 3600.0);
     return true;
 }
 
 bool Pass::read_detect_full_charge(const QString& value)
 {
-    return read_flag(value, target.detect_full_charge);
+    return read_flag(value, target.parameters.detect_full_charge);
 }
 
 bool Pass::read_low_voltage_cutoff(const QString& value)
 {
-    return read_number(value, target.low_voltage_cutoff);
+    return read_number(value, target.parameters.low_voltage_cutoff);
 }
 
 bool Pass::read_prompt_to_discharge(const QString& value)
 {
-    return read_flag(value, target.prompt_to_discharge);
+    return read_flag(value, target.parameters.prompt_to_discharge);
 }
 
 bool Pass::read_measure_internal_resistance(const QString& value)
 {
-    return read_flag(value, target.measure_internal_resistance);
+    return read_flag(value, target.parameters.measure_internal_resistance);
 }
 
 bool Pass::read_interval(const QString& value)
 {
-    return read_number(value, target.internal_resistance_test_interval_ah);
+    return read_number(value, target.parameters.internal_resistance_test_interval_ah);
 }
 
 bool Pass::read_final_voltage(const QString& value)
 {
-    return read_number(value, target.final_voltage);
+    return read_number(value, target.parameters.final_voltage);
 }
 
 bool Pass::skip_value(const QString&)

@@ -24,24 +24,25 @@ QString timestamp(const QDateTime& start)
         .arg(start.toString(Time::ISO_8601_DATE_TIME_FORMAT));
 }
 
-QString parameters(const Section& section)
+QString limits(const TestParameters& parameters)
 {
-    return hours(section.max_charge_time) +
-           QString("Detect Full Charge:          %1\n").arg(yes_or_no(section.detect_full_charge)) +
-           QString("Low Voltage Cutoff (V):      %1\n").arg(section.low_voltage_cutoff) +
+    return hours(parameters.max_charge_time) +
+           QString("Detect Full Charge:          %1\n")
+               .arg(yes_or_no(parameters.detect_full_charge)) +
+           QString("Low Voltage Cutoff (V):      %1\n").arg(parameters.low_voltage_cutoff) +
            QString("Prompt to Discharge:         %1\n")
-               .arg(yes_or_no(section.prompt_to_discharge)) +
-           QString("Final Charge (V):            %1\n").arg(section.final_voltage) +
+               .arg(yes_or_no(parameters.prompt_to_discharge)) +
+           QString("Final Charge (V):            %1\n").arg(parameters.final_voltage) +
            QString("Measure Internal Resistance: %1\n")
-               .arg(yes_or_no(section.measure_internal_resistance));
+               .arg(yes_or_no(parameters.measure_internal_resistance));
 }
 
-QString interval(const Section& section)
+QString interval(const TestParameters& parameters)
 {
-    if (!section.measure_internal_resistance)
+    if (!parameters.measure_internal_resistance)
         return QString();
     return QString("IR Test Interval (Ah):       %1\n")
-        .arg(section.internal_resistance_test_interval_ah);
+        .arg(parameters.internal_resistance_test_interval_ah);
 }
 }  // namespace
 
@@ -54,16 +55,16 @@ QString file_header(const QString& battery_name, const QString& serial_number)
 QString charge_section_header(const Section& section)
 {
     return QString("Charge Number:               %1\n").arg(section.number) +
-           timestamp(section.start) + parameters(section) +
+           timestamp(section.start) + limits(section.parameters) +
            QString("Software Version:            %1, %2\n")
                .arg(BuildInfo::version, BuildInfo::date) +
-           interval(section) + "Time (s),Voltage (V)\n";
+           interval(section.parameters) + "Time (s),Voltage (V)\n";
 }
 
 QString discharge_section_header(const Section& section)
 {
     return QString("Discharge Number:            %1\n").arg(section.number) +
-           timestamp(section.start) + parameters(section) + interval(section) +
+           timestamp(section.start) + limits(section.parameters) + interval(section.parameters) +
            "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)\n";
 }
 

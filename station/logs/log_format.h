@@ -1,5 +1,7 @@
 #pragma once
 
+#include "station/test_parameters.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -8,18 +10,12 @@ class NumberRow;
 /** The texts of the two logs, to the byte: what a test writes, apart from when and where. */
 namespace LogFormat
 {
-/** A test's parameters as the head of a log section shows them. */
+/** What the head of a log section shows. */
 struct Section
 {
     int number = 0;
     QDateTime start;
-    int max_charge_time = 0;  ///< seconds; written in whole hours, truncated
-    bool detect_full_charge = false;
-    double low_voltage_cutoff = 0.0;  ///< volts
-    bool prompt_to_discharge = false;
-    double final_voltage = 0.0;  ///< volts
-    bool measure_internal_resistance = false;
-    double internal_resistance_test_interval_ah = 0.0;  ///< written only if resistance is measured
+    TestParameters parameters;  ///< the interval is written only if resistance is measured
 };
 
 /** The three lines at the head of a data log. */

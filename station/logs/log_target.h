@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/series.h"
+#include "station/test_parameters.h"
 
 #include <QDateTime>
 #include <QString>
@@ -19,22 +20,16 @@ struct CycleTarget
 };
 
 /**
- * Where a log goes, without a copy in between.
+ * Where a log goes, its rows without a copy in between.
  *
- * What a reader has understood stays there, also when it refuses a later line.
+ * What a reader has understood stays there, also when it refuses a later line; what a log does not
+ * tell stays as it was.
  */
 struct LogTarget
 {
-    QString& profile_name;
-    QString& serial_number;
-    int& number_of_cycles;
-    int& max_charge_time;  ///< seconds
-    bool& detect_full_charge;
-    double& low_voltage_cutoff;
-    bool& prompt_to_discharge;
-    double& final_voltage;
-    bool& measure_internal_resistance;
-    double& internal_resistance_test_interval_ah;
+    QString profile_name;
+    QString serial_number;
+    TestParameters parameters;
 
     std::function<CycleTarget()> begin_cycle;  ///< appends an empty cycle
 };

@@ -132,11 +132,11 @@ bool Pass::read_parameters()
     const QStringList fields = split_line(stream.readLine(), '\t', 10);
     return are_labelled(fields, {"Charge Time (s):", "LV Cutoff",
                                  "# Cycles:", "Final Voltage:", "Autocycle"}) &&
-           read_seconds(fields[1], target.max_charge_time) &&
-           read_number(fields[3], target.low_voltage_cutoff) &&
-           read_int(fields[5], target.number_of_cycles) &&
-           read_number(fields[7], target.final_voltage) &&
-           read_autocycle(fields[9], target.prompt_to_discharge);
+           read_seconds(fields[1], target.parameters.max_charge_time) &&
+           read_number(fields[3], target.parameters.low_voltage_cutoff) &&
+           read_int(fields[5], target.parameters.number_of_cycles) &&
+           read_number(fields[7], target.parameters.final_voltage) &&
+           read_autocycle(fields[9], target.parameters.prompt_to_discharge);
 }
 
 bool Pass::read_battery()

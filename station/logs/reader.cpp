@@ -50,30 +50,26 @@ bool TestStation::read_data_log()
 
 bool TestStation::read_new_log(QTextStream* stream)
 {
-    LogTarget target = log_target();
-    return read_current_log(*stream, target);
+    return read_log(*stream, read_current_log);
 }
 
 bool TestStation::read_old_log(QTextStream* stream)
 {
-    LogTarget target = log_target();
-    return read_older_log(*stream, target);
+    return read_log(*stream, read_older_log);
 }
 
-LogTarget TestStation::log_target()
+bool TestStation::read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&))
 {
-    return {profile_name,
-            serial_number,
-            number_of_cycles,
-            max_charge_time,
-            detect_full_charge,
-            low_voltage_cutoff,
-            prompt_to_discharge,
-            final_voltage,
-            measure_internal_resistance,
-            internal_resistance_test_interval_ah,
-            [this] {
-                begin_cycle();
-                return target_of(*current_cycle);
-            }};
+    LogTarget target{profile_name, serial_number, parameters(), nullptr};
+    target.begin_cycle = [this, &target] {
+        // Taken before the end already: a new cycle is shown as one of those the log asks for.
+        take(target.parameters);
+        begin_cycle();
+        return target_of(*current_cycle);
+    };
+    const bool accepted = read(stream, target);
+    profile_name = target.profile_name;
+    serial_number = target.serial_number;
+    take(target.parameters);
+    return accepted;
 }

@@ -49,21 +49,6 @@ void end_cut_line(QFile* file)
         write_record(file, u"\n");
 }
 
-LogFormat::Section section_of(const TestStation& station, int number, const QDateTime& start)
-{
-    LogFormat::Section section;
-    section.number = number;
-    section.start = start;
-    section.max_charge_time = station.max_charge_time;
-    section.detect_full_charge = station.detect_full_charge;
-    section.low_voltage_cutoff = station.low_voltage_cutoff;
-    section.prompt_to_discharge = station.prompt_to_discharge;
-    section.final_voltage = station.final_voltage;
-    section.measure_internal_resistance = station.measure_internal_resistance;
-    section.internal_resistance_test_interval_ah = station.internal_resistance_test_interval_ah;
-    return section;
-}
-
 /** The first pair "base (2)", "base (3)" and so on of which neither file exists. */
 void take_free_suffix(const QString& base, LogPaths& paths)
 {
@@ -152,13 +137,13 @@ void TestStation::write_charge_cycle_header()
     if (data_log != nullptr)
         end_cut_line(data_log);
     write_record(data_log, LogFormat::charge_section_header(
-                               section_of(*this, get_cycle_number() + 1, leg_start_time)));
+                               {get_cycle_number() + 1, leg_start_time, parameters()}));
 }
 
 void TestStation::write_discharge_cycle_header()
 {
     write_record(data_log, LogFormat::discharge_section_header(
-                               section_of(*this, get_cycle_number(), current_cycle->start_time)));
+                               {get_cycle_number(), current_cycle->start_time, parameters()}));
 }
 
 void TestStation::append_data_log(double time, double voltage)

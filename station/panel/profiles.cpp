@@ -21,28 +21,30 @@ QMessageBox::StandardButton ask(const QString& caption, const QString& text,
     return QMessageBox::StandardButton(box.exec());
 }
 
-void copy_parameters(const BatteryProfile& profile, TestStation& station)
+TestParameters parameters_of(const BatteryProfile& profile)
 {
-    station.number_of_cycles = profile.number_of_cycles;
-    station.max_charge_time = profile.max_charge_time_sec;
-    station.low_voltage_cutoff = profile.low_voltage_cutoff;
-    station.final_voltage = profile.final_voltage;
-    station.detect_full_charge = profile.detect_full_charge;
-    station.prompt_to_discharge = profile.prompt_to_discharge;
-    station.measure_internal_resistance = profile.measure_internal_resistance;
-    station.internal_resistance_test_interval_ah = profile.ir_test_interval_ah;
+    TestParameters parameters;
+    parameters.number_of_cycles = profile.number_of_cycles;
+    parameters.max_charge_time = profile.max_charge_time_sec;
+    parameters.low_voltage_cutoff = profile.low_voltage_cutoff;
+    parameters.final_voltage = profile.final_voltage;
+    parameters.detect_full_charge = profile.detect_full_charge;
+    parameters.prompt_to_discharge = profile.prompt_to_discharge;
+    parameters.measure_internal_resistance = profile.measure_internal_resistance;
+    parameters.internal_resistance_test_interval_ah = profile.ir_test_interval_ah;
+    return parameters;
 }
 
-void copy_parameters(const TestStation& station, BatteryProfile& profile)
+void store(const TestParameters& parameters, BatteryProfile& profile)
 {
-    profile.number_of_cycles = station.number_of_cycles;
-    profile.max_charge_time_sec = station.max_charge_time;
-    profile.low_voltage_cutoff = station.low_voltage_cutoff;
-    profile.final_voltage = station.final_voltage;
-    profile.detect_full_charge = station.detect_full_charge;
-    profile.prompt_to_discharge = station.prompt_to_discharge;
-    profile.measure_internal_resistance = station.measure_internal_resistance;
-    profile.ir_test_interval_ah = station.internal_resistance_test_interval_ah;
+    profile.number_of_cycles = parameters.number_of_cycles;
+    profile.max_charge_time_sec = parameters.max_charge_time;
+    profile.low_voltage_cutoff = parameters.low_voltage_cutoff;
+    profile.final_voltage = parameters.final_voltage;
+    profile.detect_full_charge = parameters.detect_full_charge;
+    profile.prompt_to_discharge = parameters.prompt_to_discharge;
+    profile.measure_internal_resistance = parameters.measure_internal_resistance;
+    profile.ir_test_interval_ah = parameters.internal_resistance_test_interval_ah;
 }
 
 /** A number that the operator typed gives way only to a template that it lacks, and on request. */
@@ -110,7 +112,7 @@ void TestStation::on_cbProfile_currentTextChanged(const QString& text)
     if (profile == nullptr)
         return;
     profile_name = profile->description;
-    copy_parameters(*profile, *this);
+    take(parameters_of(*profile));
     if (template_replaces_number(*this, profile->serial_number_template)) {
         serial_number = profile->serial_number_template;
         serial_number_edited = false;
@@ -134,7 +136,7 @@ void TestStation::on_pbSaveProfile_clicked()
         return;
     if (is_new)
         profile = add_profile(profile_name);
-    copy_parameters(*this, *profile);
+    store(parameters(), *profile);
     BatteryProfiles::save();
     if (is_new)
         refill_profile_boxes();

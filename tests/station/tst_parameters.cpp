@@ -1,4 +1,5 @@
 #include "station/test_station.h"
+#include "support/read_log.h"
 #include "support/station_bench.h"
 #include "support/test_program.h"
 
@@ -7,18 +8,47 @@
 #include <QSpinBox>
 #include <QtTest>
 
-/** The parameters of a test on their way from the station into the panel's controls. */
+/** The parameters of a test: as one value, and on their way into the panel's controls. */
 class ParametersTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void a_station_gives_the_parameters_that_it_took();
+    void a_new_station_has_the_default_parameters();
     void parameters_reach_their_controls_data();
     void parameters_reach_their_controls();
     void the_prompt_box_follows_the_other_flag_data();
     void the_prompt_box_follows_the_other_flag();
     void a_broken_hour_is_shown_truncated_and_kept();
 };
+
+void ParametersTest::a_station_gives_the_parameters_that_it_took()
+{
+    StationBench bench;
+    TestStation& station = *bench.station;
+    TestParameters given{7, 5400, true, 30.5, true, 37.5, false, 0.25};
+    for (int round = 0; round < 2; ++round) {
+        station.take(given);
+        QCOMPARE(station.number_of_cycles, given.number_of_cycles);
+        QCOMPARE(station.max_charge_time, given.max_charge_time);
+        QCOMPARE(station.detect_full_charge, given.detect_full_charge);
+        QCOMPARE(station.low_voltage_cutoff, given.low_voltage_cutoff);
+        QCOMPARE(station.prompt_to_discharge, given.prompt_to_discharge);
+        QCOMPARE(station.final_voltage, given.final_voltage);
+        QCOMPARE(station.measure_internal_resistance, given.measure_internal_resistance);
+        QCOMPARE(station.internal_resistance_test_interval_ah,
+                 given.internal_resistance_test_interval_ah);
+        QVERIFY(same_parameters(station.parameters(), given));
+        given = {2, 60, false, 8.0, true, 9.0, true, 0.125};
+    }
+}
+
+void ParametersTest::a_new_station_has_the_default_parameters()
+{
+    const StationBench bench;
+    QVERIFY(same_parameters(bench.station->parameters(), TestParameters()));
+}
 
 void ParametersTest::parameters_reach_their_controls_data()
 {

@@ -100,21 +100,21 @@ bool current_key(const QString& key, const QString& value, ReadLog& log, char& s
         double hours = 0.0;
         if (!number(value, hours))
             return false;
-        log.max_charge_time = truncated_int(hours * 3600.0);
+        log.parameters.max_charge_time = truncated_int(hours * 3600.0);
         return true;
     }
     if (key == "Detect Full Charge")
-        return choice(value, "Yes", "No", log.detect_full_charge);
+        return choice(value, "Yes", "No", log.parameters.detect_full_charge);
     if (key == "Low Voltage Cutoff (V)")
-        return number(value, log.low_voltage_cutoff);
+        return number(value, log.parameters.low_voltage_cutoff);
     if (key == "Prompt to Discharge")
-        return choice(value, "Yes", "No", log.prompt_to_discharge);
+        return choice(value, "Yes", "No", log.parameters.prompt_to_discharge);
     if (key == "Measure Internal Resistance")
-        return choice(value, "Yes", "No", log.measure_internal_resistance);
+        return choice(value, "Yes", "No", log.parameters.measure_internal_resistance);
     if (key == "IR Test Interval (Ah)")
-        return number(value, log.internal_resistance_test_interval_ah);
+        return number(value, log.parameters.internal_resistance_test_interval_ah);
     if (key == "Final Charge (V)")
-        return number(value, log.final_voltage);
+        return number(value, log.parameters.final_voltage);
     return key == "Software Version";
 }
 
@@ -147,11 +147,13 @@ bool older_header(QTextStream& stream, ReadLog& log, QDateTime& start)
         return false;
     const QString seconds = first[1].contains('.') ? string_before(first[1], ".") : first[1];
     bool autocycle = false;
-    if (!integer(seconds, log.max_charge_time) || !number(first[3], log.low_voltage_cutoff) ||
-        !integer(first[5], log.number_of_cycles) || !number(first[7], log.final_voltage) ||
+    if (!integer(seconds, log.parameters.max_charge_time) ||
+        !number(first[3], log.parameters.low_voltage_cutoff) ||
+        !integer(first[5], log.parameters.number_of_cycles) ||
+        !number(first[7], log.parameters.final_voltage) ||
         !choice(first[9], "True", "False", autocycle))
         return false;
-    log.prompt_to_discharge = !autocycle;
+    log.parameters.prompt_to_discharge = !autocycle;
     if (stream.readLine() != "Battery Details:")
         return false;
     const QStringList battery = stream.readLine().split('\t');

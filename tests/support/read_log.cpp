@@ -26,58 +26,43 @@ bool same_cycle(const ReadCycle& a, const ReadCycle& b)
            same_points(a.current_vs_amphours, b.current_vs_amphours) &&
            same_points(a.internal_resistance, b.internal_resistance);
 }
+
+CycleTarget target_of(ReadCycle& cycle)
+{
+    CycleTarget target;
+    target.start_time = &cycle.start_time;
+    target.voltage_vs_amphours = &cycle.voltage_vs_amphours;
+    target.current_vs_amphours = &cycle.current_vs_amphours;
+    target.internal_resistance = &cycle.internal_resistance;
+    target.amp_hours = &cycle.amp_hours;
+    target.watt_hours = &cycle.watt_hours;
+    return target;
+}
 }  // namespace
 
 ReadLog::ReadLog(const QByteArray& bytes)
 {
     QTextStream stream(bytes);
     const QString mark = stream.readLine();
-    LogTarget log_target = target();
+    LogTarget target;
+    target.begin_cycle = [this] {
+        return target_of(cycles.emplace_back());
+    };
     if (mark == "Kestrometer Log")
-        accepted = read_current_log(stream, log_target);
+        accepted = read_current_log(stream, target);
     else if (mark == "Test Parameters:")
-        accepted = read_older_log(stream, log_target);
+        accepted = read_older_log(stream, target);
+    profile_name = target.profile_name;
+    serial_number = target.serial_number;
+    parameters = target.parameters;
 }
 
 bool ReadLog::same_as(const ReadLog& other) const
 {
     return accepted == other.accepted && profile_name == other.profile_name &&
-           serial_number == other.serial_number && number_of_cycles == other.number_of_cycles &&
-           max_charge_time == other.max_charge_time &&
-           detect_full_charge == other.detect_full_charge &&
-           same_bits(low_voltage_cutoff, other.low_voltage_cutoff) &&
-           prompt_to_discharge == other.prompt_to_discharge &&
-           same_bits(final_voltage, other.final_voltage) &&
-           measure_internal_resistance == other.measure_internal_resistance &&
-           same_bits(internal_resistance_test_interval_ah,
-                     other.internal_resistance_test_interval_ah) &&
+           serial_number == other.serial_number && same_parameters(parameters, other.parameters) &&
            std::equal(cycles.begin(), cycles.end(), other.cycles.begin(), other.cycles.end(),
                       same_cycle);
-}
-
-LogTarget ReadLog::target()
-{
-    return {profile_name,
-            serial_number,
-            number_of_cycles,
-            max_charge_time,
-            detect_full_charge,
-            low_voltage_cutoff,
-            prompt_to_discharge,
-            final_voltage,
-            measure_internal_resistance,
-            internal_resistance_test_interval_ah,
-            [this] {
-                ReadCycle& cycle = cycles.emplace_back();
-                CycleTarget to;
-                to.start_time = &cycle.start_time;
-                to.voltage_vs_amphours = &cycle.voltage_vs_amphours;
-                to.current_vs_amphours = &cycle.current_vs_amphours;
-                to.internal_resistance = &cycle.internal_resistance;
-                to.amp_hours = &cycle.amp_hours;
-                to.watt_hours = &cycle.watt_hours;
-                return to;
-            }};
 }
 
 const ReadCycle& ReadLog::cycle(int index) const
@@ -91,6 +76,18 @@ int ReadLog::row_count() const
     for (const ReadCycle& cycle : cycles)
         rows += cycle.voltage_vs_amphours.points.size();
     return rows;
+}
+
+bool same_parameters(const TestParameters& a, const TestParameters& b)
+{
+    return a.number_of_cycles == b.number_of_cycles && a.max_charge_time == b.max_charge_time &&
+           a.detect_full_charge == b.detect_full_charge &&
+           same_bits(a.low_voltage_cutoff, b.low_voltage_cutoff) &&
+           a.prompt_to_discharge == b.prompt_to_discharge &&
+           same_bits(a.final_voltage, b.final_voltage) &&
+           a.measure_internal_resistance == b.measure_internal_resistance &&
+           same_bits(a.internal_resistance_test_interval_ah,
+                     b.internal_resistance_test_interval_ah);
 }
 
 bool same_bits(double a, double b)

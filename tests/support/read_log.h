@@ -33,21 +33,15 @@ struct ReadLog
     bool accepted = false;
     QString profile_name;
     QString serial_number;
-    int number_of_cycles = 1;
-    int max_charge_time = 21600;
-    bool detect_full_charge = false;
-    double low_voltage_cutoff = 19.0;
-    bool prompt_to_discharge = false;
-    double final_voltage = 0.0;
-    bool measure_internal_resistance = true;
-    double internal_resistance_test_interval_ah = 0.5;
+    TestParameters parameters;
     std::list<ReadCycle> cycles;
 
-    LogTarget target();
     const ReadCycle& cycle(int index) const;
     /** Rows of all discharges. */
     int row_count() const;
 };
+
+bool same_parameters(const TestParameters& a, const TestParameters& b);
 
 /** Whether both hold the same bits: other than with ==, 0.0 is not -0.0 and NaN is itself. */
 bool same_bits(double a, double b);

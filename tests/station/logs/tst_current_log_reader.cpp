@@ -174,13 +174,13 @@ void CurrentLogReaderTest::a_whole_log_comes_back()
     QVERIFY(log.accepted);
     QCOMPARE(log.profile_name, QString("Pack A"));
     QCOMPARE(log.serial_number, QString("1042"));
-    QCOMPARE(log.max_charge_time, 28800);
-    QCOMPARE(log.detect_full_charge, true);
-    QCOMPARE(log.low_voltage_cutoff, 30.0);
-    QCOMPARE(log.prompt_to_discharge, false);
-    QCOMPARE(log.final_voltage, 37.5);
-    QCOMPARE(log.measure_internal_resistance, true);
-    QCOMPARE(log.internal_resistance_test_interval_ah, 0.5);
+    QCOMPARE(log.parameters.max_charge_time, 28800);
+    QCOMPARE(log.parameters.detect_full_charge, true);
+    QCOMPARE(log.parameters.low_voltage_cutoff, 30.0);
+    QCOMPARE(log.parameters.prompt_to_discharge, false);
+    QCOMPARE(log.parameters.final_voltage, 37.5);
+    QCOMPARE(log.parameters.measure_internal_resistance, true);
+    QCOMPARE(log.parameters.internal_resistance_test_interval_ah, 0.5);
     QCOMPARE(int(log.cycles.size()), 1);
     const ReadCycle& cycle = log.cycle(0);
     QCOMPARE(cycle.start_time, QDateTime(QDate(2020, 4, 3), QTime(10, 2, 44)));
@@ -230,24 +230,24 @@ void CurrentLogReaderTest::a_file_header_alone_gives_name_and_number()
 void CurrentLogReaderTest::later_parameters_override_earlier_ones()
 {
     const ReadLog log(sample("current_two_cycles.csv"));
-    QCOMPARE(log.max_charge_time, 6 * 3600);
-    QCOMPARE(log.detect_full_charge, false);
-    QCOMPARE(log.low_voltage_cutoff, 28.5);
-    QCOMPARE(log.prompt_to_discharge, false);
-    QCOMPARE(log.final_voltage, 36.0);
-    QCOMPARE(log.measure_internal_resistance, true);
-    QCOMPARE(log.internal_resistance_test_interval_ah, 0.25);
+    QCOMPARE(log.parameters.max_charge_time, 6 * 3600);
+    QCOMPARE(log.parameters.detect_full_charge, false);
+    QCOMPARE(log.parameters.low_voltage_cutoff, 28.5);
+    QCOMPARE(log.parameters.prompt_to_discharge, false);
+    QCOMPARE(log.parameters.final_voltage, 36.0);
+    QCOMPARE(log.parameters.measure_internal_resistance, true);
+    QCOMPARE(log.parameters.internal_resistance_test_interval_ah, 0.25);
 }
 
 void CurrentLogReaderTest::what_no_line_tells_keeps_its_value()
 {
     const ReadLog log(MARK);
-    QCOMPARE(log.number_of_cycles, 1);
-    QCOMPARE(log.max_charge_time, 21600);
-    QCOMPARE(log.internal_resistance_test_interval_ah, 0.5);
+    QCOMPARE(log.parameters.number_of_cycles, 1);
+    QCOMPARE(log.parameters.max_charge_time, 21600);
+    QCOMPARE(log.parameters.internal_resistance_test_interval_ah, 0.5);
     const ReadLog without_interval(MARK + "Measure Internal Resistance: No\n");
-    QCOMPARE(without_interval.measure_internal_resistance, false);
-    QCOMPARE(without_interval.internal_resistance_test_interval_ah, 0.5);
+    QCOMPARE(without_interval.parameters.measure_internal_resistance, false);
+    QCOMPARE(without_interval.parameters.internal_resistance_test_interval_ah, 0.5);
 }
 
 void CurrentLogReaderTest::a_value_is_taken_as_it_stands_data()
@@ -268,9 +268,9 @@ void CurrentLogReaderTest::a_value_is_taken_as_it_stands()
     const ReadLog log(MARK + "Low Voltage Cutoff (V):" + text + "\nFinal Charge (V):" + text +
                       "\nIR Test Interval (Ah):" + text + "\n");
     QVERIFY(log.accepted);
-    QCOMPARE(log.low_voltage_cutoff, value);
-    QCOMPARE(log.final_voltage, value);
-    QCOMPARE(log.internal_resistance_test_interval_ah, value);
+    QCOMPARE(log.parameters.low_voltage_cutoff, value);
+    QCOMPARE(log.parameters.final_voltage, value);
+    QCOMPARE(log.parameters.internal_resistance_test_interval_ah, value);
 }
 
 void CurrentLogReaderTest::a_max_charge_time_is_hours_cut_to_seconds_data()
@@ -293,7 +293,7 @@ void CurrentLogReaderTest::a_max_charge_time_is_hours_cut_to_seconds()
     QFETCH(int, seconds);
     const ReadLog log(MARK + "Max Charge Time (h): " + hours + "\n");
     QVERIFY(log.accepted);
-    QCOMPARE(log.max_charge_time, seconds);
+    QCOMPARE(log.parameters.max_charge_time, seconds);
 }
 
 void CurrentLogReaderTest::a_line_is_accepted_or_refused_data()
@@ -327,7 +327,7 @@ void CurrentLogReaderTest::what_was_understood_stays_after_a_refusal()
                                   "Serial Number: 7\n");
     QVERIFY(!log.accepted);
     QCOMPARE(log.profile_name, QString("A"));
-    QCOMPARE(log.final_voltage, 0.0);
+    QCOMPARE(log.parameters.final_voltage, 0.0);
     QCOMPARE(log.serial_number, QString());
     QCOMPARE(log.row_count(), 1);
 }

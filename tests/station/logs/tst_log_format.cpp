@@ -46,13 +46,13 @@ LogFormat::Section section_of(int number, const QDateTime& start)
     LogFormat::Section section;
     section.number = number;
     section.start = start;
-    section.max_charge_time = 8 * 3600;
-    section.detect_full_charge = true;
-    section.low_voltage_cutoff = 30.0;
-    section.prompt_to_discharge = false;
-    section.final_voltage = 37.5;
-    section.measure_internal_resistance = true;
-    section.internal_resistance_test_interval_ah = 0.5;
+    section.parameters.max_charge_time = 8 * 3600;
+    section.parameters.detect_full_charge = true;
+    section.parameters.low_voltage_cutoff = 30.0;
+    section.parameters.prompt_to_discharge = false;
+    section.parameters.final_voltage = 37.5;
+    section.parameters.measure_internal_resistance = true;
+    section.parameters.internal_resistance_test_interval_ah = 0.5;
     return section;
 }
 
@@ -163,7 +163,7 @@ void LogFormatTest::without_resistance_a_header_has_a_line_fewer()
     const QString interval = "IR Test Interval (Ah):       0.5\n";
     const QString with_charge = LogFormat::charge_section_header(section);
     const QString with_discharge = LogFormat::discharge_section_header(section);
-    section.measure_internal_resistance = false;
+    section.parameters.measure_internal_resistance = false;
     const auto without = [&interval](QString text) {
         return text.remove(interval).replace("Resistance: Yes", "Resistance: No");
     };
@@ -189,9 +189,9 @@ void LogFormatTest::each_flag_has_its_line()
     QFETCH(bool, prompt);
     QFETCH(bool, measure);
     LogFormat::Section section;
-    section.detect_full_charge = detect;
-    section.prompt_to_discharge = prompt;
-    section.measure_internal_resistance = measure;
+    section.parameters.detect_full_charge = detect;
+    section.parameters.prompt_to_discharge = prompt;
+    section.parameters.measure_internal_resistance = measure;
     for (const QString& header : {LogFormat::charge_section_header(section),
                                   LogFormat::discharge_section_header(section)}) {
         const auto word = [](bool flag) {
@@ -219,7 +219,7 @@ void LogFormatTest::hours_are_truncated()
     QFETCH(int, seconds);
     QFETCH(QString, hours);
     LogFormat::Section section;
-    section.max_charge_time = seconds;
+    section.parameters.max_charge_time = seconds;
     QCOMPARE(line_of(LogFormat::charge_section_header(section), "Max"),
              "Max Charge Time (h):         " + hours);
 }
@@ -246,9 +246,9 @@ void LogFormatTest::parameters_have_six_digits()
     QFETCH(double, value);
     QFETCH(QString, text);
     LogFormat::Section section = section_of(1, START);
-    section.low_voltage_cutoff = value;
-    section.final_voltage = value;
-    section.internal_resistance_test_interval_ah = value;
+    section.parameters.low_voltage_cutoff = value;
+    section.parameters.final_voltage = value;
+    section.parameters.internal_resistance_test_interval_ah = value;
     for (const QString& header : {LogFormat::charge_section_header(section),
                                   LogFormat::discharge_section_header(section)}) {
         QCOMPARE(line_of(header, "Low"), "Low Voltage Cutoff (V):      " + text);

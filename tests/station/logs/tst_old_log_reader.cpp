@@ -183,11 +183,11 @@ void OldLogReaderTest::a_whole_log_comes_back()
     QVERIFY(log.accepted);
     QCOMPARE(log.profile_name, QString("Pack C"));
     QCOMPARE(log.serial_number, QString("0815"));
-    QCOMPARE(log.max_charge_time, 7200);
-    QCOMPARE(log.low_voltage_cutoff, 30.5);
-    QCOMPARE(log.number_of_cycles, 3);
-    QCOMPARE(log.final_voltage, 37.5);
-    QCOMPARE(log.prompt_to_discharge, false);
+    QCOMPARE(log.parameters.max_charge_time, 7200);
+    QCOMPARE(log.parameters.low_voltage_cutoff, 30.5);
+    QCOMPARE(log.parameters.number_of_cycles, 3);
+    QCOMPARE(log.parameters.final_voltage, 37.5);
+    QCOMPARE(log.parameters.prompt_to_discharge, false);
     QCOMPARE(int(log.cycles.size()), 2);
     const ReadCycle& first = log.cycle(0);
     QCOMPARE(first.voltage_vs_amphours.points,
@@ -221,9 +221,9 @@ void OldLogReaderTest::a_header_alone_is_a_log_without_cycles()
 void OldLogReaderTest::what_the_format_does_not_know_keeps_its_value()
 {
     const ReadLog log(sample());
-    QCOMPARE(log.detect_full_charge, false);
-    QCOMPARE(log.measure_internal_resistance, true);
-    QCOMPARE(log.internal_resistance_test_interval_ah, 0.5);
+    QCOMPARE(log.parameters.detect_full_charge, false);
+    QCOMPARE(log.parameters.measure_internal_resistance, true);
+    QCOMPARE(log.parameters.internal_resistance_test_interval_ah, 0.5);
 }
 
 void OldLogReaderTest::a_header_line_is_accepted_or_refused_data()
@@ -276,11 +276,11 @@ void OldLogReaderTest::header_values_are_restored()
     QFETCH(QByteArray, autocycle);
     const ReadLog log(with_line(2, parameters(seconds, "1.5", cycles, "2.5", autocycle)));
     QVERIFY(log.accepted);
-    QTEST(log.max_charge_time, "max_charge_time");
-    QTEST(log.number_of_cycles, "number_of_cycles");
-    QTEST(log.prompt_to_discharge, "prompt");
-    QCOMPARE(log.low_voltage_cutoff, 1.5);
-    QCOMPARE(log.final_voltage, 2.5);
+    QTEST(log.parameters.max_charge_time, "max_charge_time");
+    QTEST(log.parameters.number_of_cycles, "number_of_cycles");
+    QTEST(log.parameters.prompt_to_discharge, "prompt");
+    QCOMPARE(log.parameters.low_voltage_cutoff, 1.5);
+    QCOMPARE(log.parameters.final_voltage, 2.5);
 }
 
 void OldLogReaderTest::the_start_may_be_no_date_at_all()
