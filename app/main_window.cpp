@@ -6,6 +6,7 @@
 #include "charts/paint_box.h"
 #include "common/build_info.h"
 #include "config/battery_profiles.h"
+#include "config/help_ids.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
 #include "dialogs/edit_settings_dialog.h"
@@ -39,7 +40,7 @@ MainWindow::MainWindow(QWidget* parent)
     // Queued: the bar itself shows or hides after its range has changed.
     connect(ui->scrollArea->verticalScrollBar(), &QScrollBar::rangeChanged, this,
             &MainWindow::make_room_for_scroll_bar, Qt::QueuedConnection);
-    ToolTips::assign(ui->pbNewTestStation, 62);
+    ToolTips::assign(ui->pbNewTestStation, HELP_ADD_STATION);
     set_up_chart_boxes();
     set_up_chart_controls();
     set_up_charts();

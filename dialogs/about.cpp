@@ -4,6 +4,7 @@
 
 #include "common/build_info.h"
 #include "common/distributor.h"
+#include "config/help_ids.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
 
@@ -48,13 +49,13 @@ About::~About() = default;
 
 void About::set_tooltips()
 {
-    ToolTips::assign(ui->laSettingsDir, 24);
-    ToolTips::assign(ui->pbCopySettingsDir, 25);
-    ToolTips::assign(ui->pbOpenSettingsDir, 26);
-    ToolTips::assign(ui->laLogDir, 63);
-    ToolTips::assign(ui->pbCopyLogDir, 60);
-    ToolTips::assign(ui->pbOpenLogDir, 61);
-    ToolTips::assign(ui->pbWebpage, 27);
+    ToolTips::assign(ui->laSettingsDir, HELP_SETTINGS_DIR);
+    ToolTips::assign(ui->pbCopySettingsDir, HELP_COPY_SETTINGS_DIR);
+    ToolTips::assign(ui->pbOpenSettingsDir, HELP_OPEN_SETTINGS_DIR);
+    ToolTips::assign(ui->laLogDir, HELP_LOG_DIR);
+    ToolTips::assign(ui->pbCopyLogDir, HELP_COPY_LOG_DIR);
+    ToolTips::assign(ui->pbOpenLogDir, HELP_OPEN_LOG_DIR);
+    ToolTips::assign(ui->pbWebpage, HELP_WEBPAGE);
 }
 
 void About::set_up_logo()

@@ -4,6 +4,7 @@
 
 #include "common/message_boxes.h"
 #include "common/widget_sizing.h"
+#include "config/help_ids.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
 #include "station/test_station.h"
@@ -78,16 +79,16 @@ void EditSettingsDialog::show_path(QLabel* label, const QString& path)
 
 void EditSettingsDialog::set_tooltips()
 {
-    ToolTips::assign(ui->laLogDirectory, 16);
-    ToolTips::assign(ui->pbChangeLogDirectory, 17);
-    ToolTips::assign(ui->laPDFDirectory, 18);
-    ToolTips::assign(ui->pbChangePDFDirectory, 19);
-    ToolTips::assign(ui->laHeaderImageFilename, 20);
-    ToolTips::assign(ui->pbChangeHeaderImageFile, 21);
-    ToolTips::assign(ui->sbChartRefreshRate, 22);
-    ToolTips::assign(ui->cbShowDebugInformation, 23);
-    ToolTips::assign(ui->cbLogAllTelemetry, 64);
-    ToolTips::assign(ui->cbCopyLogs, 65);
+    ToolTips::assign(ui->laLogDirectory, HELP_DEFAULT_LOG_DIR);
+    ToolTips::assign(ui->pbChangeLogDirectory, HELP_CHANGE_DEFAULT_LOG_DIR);
+    ToolTips::assign(ui->laPDFDirectory, HELP_PDF_DIR);
+    ToolTips::assign(ui->pbChangePDFDirectory, HELP_CHANGE_PDF_DIR);
+    ToolTips::assign(ui->laHeaderImageFilename, HELP_HEADER_IMAGE);
+    ToolTips::assign(ui->pbChangeHeaderImageFile, HELP_CHANGE_HEADER_IMAGE);
+    ToolTips::assign(ui->sbChartRefreshRate, HELP_CHART_REFRESH_RATE);
+    ToolTips::assign(ui->cbShowDebugInformation, HELP_SHOW_DEBUG_INFO);
+    ToolTips::assign(ui->cbLogAllTelemetry, HELP_LOG_ALL_TELEMETRY);
+    ToolTips::assign(ui->cbCopyLogs, HELP_COPY_LOGS);
 }
 
 void EditSettingsDialog::set_widget_sizes()

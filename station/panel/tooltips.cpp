@@ -2,13 +2,14 @@
 
 #include "ui_test_station.h"
 
+#include "config/help_ids.h"
 #include "config/tool_tips.h"
 
 namespace
 {
 struct HelpText
 {
-    int id;
+    HelpId id;
     QList<QWidget*> widgets;
 };
 }  // namespace
@@ -17,46 +18,47 @@ void TestStation::set_tooltips()
 {
     const HelpText texts[] = {
         // the station's row above the charts
-        {5, {&color_combobox}},
+        {HELP_COLOR, {&color_combobox}},
         // the summary
-        {28, {ui->laStationID}},
-        {29, {ui->laPhase}},
-        {30, {ui->pbStartSkip}},
-        {31, {ui->pbNewTest}},
-        {32, {ui->pbLoadLog}},
-        {33, {ui->pbGeneratePDF}},
-        {36, {ui->laSerialNumberCaption, ui->leSerialNumber}},
-        {35, {ui->pbExpandCollapse}},
-        {34, {ui->pbClose}},
-        {37, {ui->laVoltage}},
+        {HELP_STATION_ID, {ui->laStationID}},
+        {HELP_PHASE, {ui->laPhase}},
+        {HELP_START_SKIP, {ui->pbStartSkip}},
+        {HELP_NEW_TEST, {ui->pbNewTest}},
+        {HELP_LOAD_LOG, {ui->pbLoadLog}},
+        {HELP_GENERATE_PDF, {ui->pbGeneratePDF}},
+        {HELP_SERIAL_NUMBER, {ui->laSerialNumberCaption, ui->leSerialNumber}},
+        {HELP_EXPAND_COLLAPSE, {ui->pbExpandCollapse}},
+        {HELP_CLOSE, {ui->pbClose}},
+        {HELP_VOLTAGE, {ui->laVoltage}},
         // Until the first charge: from then on the text follows the phase.
-        {57, {ui->laCurrent}},
-        {39, {ui->laCycleNumber}},
+        {HELP_CURRENT, {ui->laCurrent}},
+        {HELP_CYCLE_NUMBER, {ui->laCycleNumber}},
         // the parameters
-        {40, {ui->laProfileName, ui->leProfileName}},
-        {41, {ui->laNumberOfCycles, ui->sbNumberOfCycles}},
-        {42, {ui->laMaxChargeTime, ui->leMaxChargeTime, ui->laMaxChargeTimeUnits}},
-        {43, {ui->laLowVoltageCutoff, ui->leLowVoltageCutoff, ui->laLowVoltageCutoffUnits}},
-        {44, {ui->laFinalCharge, ui->leFinalCharge, ui->laFinalChargeUnits}},
-        {45, {ui->cbProfile}},
-        {46, {ui->pbSaveProfile}},
-        {59, {ui->pbDeleteProfile}},
-        {47, {ui->laDirectory}},
-        {48, {ui->pbDirectory}},
-        {49, {ui->cbPromptToDischarge}},
-        {50, {ui->cbDetectFullCharge}},
-        {51, {ui->cbMeasureInternalResistance}},
-        {52,
+        {HELP_PROFILE_NAME, {ui->laProfileName, ui->leProfileName}},
+        {HELP_NUMBER_OF_CYCLES, {ui->laNumberOfCycles, ui->sbNumberOfCycles}},
+        {HELP_MAX_CHARGE_TIME,
+         {ui->laMaxChargeTime, ui->leMaxChargeTime, ui->laMaxChargeTimeUnits}},
+        {HELP_LOW_VOLTAGE_CUTOFF,
+         {ui->laLowVoltageCutoff, ui->leLowVoltageCutoff, ui->laLowVoltageCutoffUnits}},
+        {HELP_FINAL_CHARGE, {ui->laFinalCharge, ui->leFinalCharge, ui->laFinalChargeUnits}},
+        {HELP_PROFILE, {ui->cbProfile}},
+        {HELP_SAVE_PROFILE, {ui->pbSaveProfile}},
+        {HELP_DELETE_PROFILE, {ui->pbDeleteProfile}},
+        {HELP_STATION_LOG_DIR, {ui->laDirectory}},
+        {HELP_CHANGE_STATION_LOG_DIR, {ui->pbDirectory}},
+        {HELP_PROMPT_TO_DISCHARGE, {ui->cbPromptToDischarge}},
+        {HELP_DETECT_FULL_CHARGE, {ui->cbDetectFullCharge}},
+        {HELP_MEASURE_RESISTANCE, {ui->cbMeasureInternalResistance}},
+        {HELP_RESISTANCE_INTERVAL,
          {ui->laInternalResistanceInterval, ui->leInternalResistanceTestIntervalAh,
           ui->laInternalResistanceIntervalUnits}},
         // the results
-        {53, {ui->laCummAmpHours2, ui->laCummAmpHours}},
-        {54, {ui->laCummWattHours}},
-        {55, {ui->laIntResistance}},
-        {56, {ui->laElapsedTime}},
+        {HELP_AMP_HOURS, {ui->laCummAmpHours2, ui->laCummAmpHours}},
+        {HELP_WATT_HOURS, {ui->laCummWattHours}},
+        {HELP_RESISTANCE, {ui->laIntResistance}},
+        {HELP_ELAPSED_TIME, {ui->laElapsedTime}},
     };
     for (const HelpText& text : texts)
         for (QWidget* widget : text.widgets)
             ToolTips::assign(widget, text.id);
-    shown.current_help.reset();
 }
