@@ -5,6 +5,7 @@
 #include "app/panel_sight.h"
 #include "charts/paint_box.h"
 #include "common/build_info.h"
+#include "common/wheel_focus.h"
 #include "config/battery_profiles.h"
 #include "config/help_ids.h"
 #include "config/settings.h"
@@ -36,6 +37,7 @@ MainWindow::MainWindow(QWidget* parent)
         std::exit(1);
     ToolTips::load(":/help.html");
     ui->setupUi(this);
+    leave_wheel_without_focus(this);
     panel_sight = new PanelSight(ui->scrollArea);
     // Queued: the bar itself shows or hides after its range has changed.
     connect(ui->scrollArea->verticalScrollBar(), &QScrollBar::rangeChanged, this,

@@ -3,6 +3,7 @@
 #include "ui_add_test_station_dialog.h"
 
 #include "common/message_boxes.h"
+#include "common/wheel_focus.h"
 #include "device/kestrometer.h"
 #include "device/serial_ports.h"
 #include "station/test_station.h"
@@ -48,6 +49,7 @@ AddTestStationDialog::AddTestStationDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::AddTestStationDialog>())
 {
     ui->setupUi(this);
+    leave_wheel_without_focus(this);
     on_pbRefreshPortList_clicked();
 }
 

@@ -3,6 +3,7 @@
 #include "ui_edit_settings_dialog.h"
 
 #include "common/message_boxes.h"
+#include "common/wheel_focus.h"
 #include "common/widget_sizing.h"
 #include "config/help_ids.h"
 #include "config/settings.h"
@@ -44,6 +45,7 @@ EditSettingsDialog::EditSettingsDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::EditSettingsDialog>())
 {
     ui->setupUi(this);
+    leave_wheel_without_focus(this);
     set_width_to_widest({ui->laLogDirectoryCaption, ui->laPDFDirectoryCaption,
                          ui->laHeaderImageCaption, ui->laChartRefreshRateCaption},
                         ui->laLogDirectory->height());

@@ -2,6 +2,7 @@
 
 #include "ui_widget_font_debug_dialog.h"
 
+#include "common/wheel_focus.h"
 #include "common/widget_colors.h"
 #include "common/widget_sizing.h"
 
@@ -16,6 +17,7 @@ WidgetFontDebugDialog::WidgetFontDebugDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::WidgetFontDebugDialog>())
 {
     ui->setupUi(this);
+    leave_wheel_without_focus(this);
     // Noted before the boxes are filled: their first items already change the examples.
     const QString family = ui->pbExample->font().family();
     const int point_size = ui->pbExample->font().pointSize();

@@ -4,6 +4,7 @@
 
 #include "common/frame_sides.h"
 #include "common/unicode.h"
+#include "common/wheel_focus.h"
 #include "common/widget_sizing.h"
 #include "config/battery_profiles.h"
 #include "config/settings.h"
@@ -148,6 +149,8 @@ void TestStation::set_up_panel()
         ui->leSerialNumber->setEnabled(false);
     set_summary_fonts(*ui);
     set_widget_sizes();
+    leave_wheel_without_focus(this);
+    leave_wheel_without_focus(&color_combobox);
     for (QFrame* frame : QList<QFrame*>{this, ui->frTestParameters, ui->frTestResults})
         paint_by_sides(frame);
     set_tooltips();
