@@ -2,20 +2,34 @@
 
 namespace
 {
+// clang-format off
 constexpr PhaseTraits PHASES[] = {
-    // phase                    button               command      sample
-    {PHASE_IDLE, StartSkip::Start, Off, Sample::None},
-    {PHASE_CHARGING, StartSkip::Skip, Charging, Sample::Charge},
-    {PHASE_CHARGING_LEVELED, StartSkip::Skip, Charging, Sample::Charge},
-    {PHASE_FULL_CHARGE_TEST, StartSkip::Disabled, Off, Sample::Charge},
-    {PHASE_READY_FOR_DISCHARGE, StartSkip::Start, Off, Sample::None},
-    {PHASE_DISCHARGING, StartSkip::Skip, Discharging, Sample::Discharge},
-    {PHASE_IR_TEST, StartSkip::Disabled, Off, Sample::Discharge},
-    {PHASE_IR_RECOVERY, StartSkip::Disabled, Discharging, Sample::Discharge},
-    {PHASE_FINAL_CHARGE, StartSkip::Skip, Charging, Sample::Charge},
-    {PHASE_FINAL_CHARGE_TEST, StartSkip::Disabled, no_command, Sample::Charge},
-    {PHASE_DONE, StartSkip::Start, Off, Sample::None},
+    // phase, text
+    // button            press                command      sample             readout
+    {PHASE_IDLE, "Configure Test",
+     StartSkip::Start,    Press::Start,        Off,         Sample::None,      Readout::Kept},
+    {PHASE_CHARGING, "Charging",
+     StartSkip::Skip,     Press::Discharge,    Charging,    Sample::Charge,    Readout::ChargeTime},
+    {PHASE_CHARGING_LEVELED, "Charging",
+     StartSkip::Skip,     Press::Discharge,    Charging,    Sample::Charge,    Readout::ChargeTime},
+    {PHASE_FULL_CHARGE_TEST, "Full Charge Test",
+     StartSkip::Disabled, Press::Refused,      Off,         Sample::Charge,    Readout::Kept},
+    {PHASE_READY_FOR_DISCHARGE, "Ready for %1 Discharge",
+     StartSkip::Start,    Press::Discharge,    Off,         Sample::None,      Readout::Kept},
+    {PHASE_DISCHARGING, "Discharging",
+     StartSkip::Skip,     Press::EndDischarge, Discharging, Sample::Discharge, Readout::Current},
+    {PHASE_IR_TEST, "IR Test",
+     StartSkip::Disabled, Press::Refused,      Off,         Sample::Discharge, Readout::Current},
+    {PHASE_IR_RECOVERY, "Recovering from IR Test",
+     StartSkip::Disabled, Press::Refused,      Discharging, Sample::Discharge, Readout::Current},
+    {PHASE_FINAL_CHARGE, "Charging (final)",
+     StartSkip::Skip,     Press::FinishTest,   Charging,    Sample::Charge,    Readout::ChargeTime},
+    {PHASE_FINAL_CHARGE_TEST, "Final Charge Test",
+     StartSkip::Disabled, Press::Refused,      no_command,  Sample::Charge,    Readout::Kept},
+    {PHASE_DONE, "Done",
+     StartSkip::Start,    Press::ExtendTest,   Off,         Sample::None,      Readout::Kept},
 };
+// clang-format on
 
 constexpr bool rows_in_order()
 {

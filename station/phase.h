@@ -26,12 +26,31 @@ enum class StartSkip
     Disabled  ///< greyed, with the text that it had
 };
 
+/** What a press of the Start/Skip button does. */
+enum class Press
+{
+    Refused,       ///< the button is greyed
+    Start,         ///< a new test begins, or a loaded one goes on
+    Discharge,     ///< of the next cycle
+    EndDischarge,  ///< on to the next charge, after the last cycle to the final one
+    FinishTest,    ///< the test is done
+    ExtendTest     ///< further cycles follow, if more are wanted now
+};
+
 /** What a telemetry line adds to the test during a phase. */
 enum class Sample
 {
     None,
     Charge,
     Discharge
+};
+
+/** What the panel shows where the current stands. */
+enum class Readout
+{
+    Kept,  ///< whatever stood there last
+    Current,
+    ChargeTime
 };
 
 /** Stands where a phase leaves the instrument as it is; `Unknown` is never commanded. */
@@ -41,9 +60,12 @@ constexpr KestrometerState no_command = Unknown;
 struct PhaseTraits
 {
     Phase phase;
+    const char* text;  ///< "%1" stands for the number of the cycle, as in "2nd"
     StartSkip button;
+    Press press;
     KestrometerState command;
     Sample sample;
+    Readout readout;
 };
 
 const PhaseTraits& traits_of(Phase phase);

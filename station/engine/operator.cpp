@@ -76,29 +76,24 @@ void TestStation::unlock_controls()
 
 void TestStation::on_pbStartSkip_clicked()
 {
-    switch (phase) {
-    case PHASE_IDLE:
+    switch (traits_of(phase).press) {
+    case Press::Refused:
+        show_error("The 'skip' button should not be clickable at this time.");
+        break;
+    case Press::Start:
         start_or_resume(*this);
         break;
-    case PHASE_CHARGING:
-    case PHASE_CHARGING_LEVELED:
-    case PHASE_READY_FOR_DISCHARGE:
+    case Press::Discharge:
         set_phase(PHASE_DISCHARGING, "User clicked 'Skip'");
         break;
-    case PHASE_DISCHARGING:
+    case Press::EndDischarge:
         skip_discharge(*this);
         break;
-    case PHASE_FINAL_CHARGE:
+    case Press::FinishTest:
         set_phase(PHASE_DONE, "User clicked 'Skip'");
         break;
-    case PHASE_DONE:
+    case Press::ExtendTest:
         extend_finished_test(*this);
-        break;
-    case PHASE_FULL_CHARGE_TEST:
-    case PHASE_IR_TEST:
-    case PHASE_IR_RECOVERY:
-    case PHASE_FINAL_CHARGE_TEST:
-        show_error("The 'skip' button should not be clickable at this time.");
         break;
     }
 }

@@ -14,38 +14,16 @@ Phase TestStation::get_phase() const
 
 bool TestStation::charging() const
 {
-    return phase == PHASE_CHARGING || phase == PHASE_CHARGING_LEVELED ||
-           phase == PHASE_FINAL_CHARGE;
+    return traits_of(phase).command == Charging;
 }
 
 QString TestStation::phase_to_string(Phase which) const
 {
-    switch (which) {
-    case PHASE_IDLE:
-        if (kestrometer != nullptr)
-            return "Configure Test";
+    if (which < PHASE_IDLE || which > PHASE_DONE)
+        return "?";
+    if (which == PHASE_IDLE && kestrometer == nullptr)
         return data_log != nullptr ? "Preview" : "Load Log File";
-    case PHASE_CHARGING:
-    case PHASE_CHARGING_LEVELED:
-        return "Charging";
-    case PHASE_FULL_CHARGE_TEST:
-        return "Full Charge Test";
-    case PHASE_READY_FOR_DISCHARGE:
-        return "Ready for " + ordinal_string(get_cycle_number()) + " Discharge";
-    case PHASE_DISCHARGING:
-        return "Discharging";
-    case PHASE_IR_TEST:
-        return "IR Test";
-    case PHASE_IR_RECOVERY:
-        return "Recovering from IR Test";
-    case PHASE_FINAL_CHARGE:
-        return "Charging (final)";
-    case PHASE_FINAL_CHARGE_TEST:
-        return "Final Charge Test";
-    case PHASE_DONE:
-        return "Done";
-    }
-    return "?";
+    return QString(traits_of(which).text).replace("%1", ordinal_string(get_cycle_number()));
 }
 
 QString TestStation::get_avg_internal_resistance_string() const

@@ -4,6 +4,8 @@
 #include <QSet>
 #include <QtTest>
 
+#include <memory>
+
 /** Holds the table of phases against the sets that the engine speaks of. */
 class PhaseTest : public QObject
 {
@@ -14,6 +16,8 @@ private slots:
     void phases_keep_their_numbers();
     void every_phase_is_in_one_set_of_each_kind_data();
     void every_phase_is_in_one_set_of_each_kind();
+    void a_failed_comparison_names_the_values_data();
+    void a_failed_comparison_names_the_values();
 };
 
 void PhaseTest::phases_keep_their_numbers_data()
@@ -57,6 +61,8 @@ void PhaseTest::every_phase_is_in_one_set_of_each_kind()
     const QSet<int> told_charging = {1, 2, 8};
     const QSet<int> told_discharging = {5, 7};
     const QSet<int> told_nothing = {9};
+    const QSet<int> shows_current = {5, 6, 7};
+    const QSet<int> shows_charge_time = {1, 2, 8};
 
     QFETCH(int, phase);
     const PhaseTraits& traits = traits_of(Phase(phase));
@@ -70,6 +76,34 @@ void PhaseTest::every_phase_is_in_one_set_of_each_kind()
     QCOMPARE(traits.command == Charging, told_charging.contains(phase));
     QCOMPARE(traits.command == Discharging, told_discharging.contains(phase));
     QCOMPARE(traits.command == no_command, told_nothing.contains(phase));
+    QCOMPARE(traits.readout == Readout::Current, shows_current.contains(phase));
+    QCOMPARE(traits.readout == Readout::ChargeTime, shows_charge_time.contains(phase));
+    QCOMPARE(traits.press == Press::Refused, button_disabled.contains(phase));
+}
+
+void PhaseTest::a_failed_comparison_names_the_values_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("expected");
+    const auto row = [](auto value, const char* name) {
+        const std::unique_ptr<char[]> in_comparison(toString(value));
+        QTest::newRow(name) << QByteArray(in_comparison.get()) << QByteArray(name);
+    };
+    row(PHASE_IDLE, "PHASE_IDLE");
+    row(PHASE_READY_FOR_DISCHARGE, "PHASE_READY_FOR_DISCHARGE");
+    row(PHASE_FINAL_CHARGE_TEST, "PHASE_FINAL_CHARGE_TEST");
+    row(PHASE_DONE, "PHASE_DONE");
+    row(Phase(11), "Phase(11)");
+    row(Off, "Off");
+    row(Discharging, "Discharging");
+    row(Unknown, "Unknown");
+    row(KestrometerState(4), "KestrometerState(4)");
+}
+
+void PhaseTest::a_failed_comparison_names_the_values()
+{
+    QFETCH(QByteArray, name);
+    QTEST(name, "expected");
 }
 
 KEST_GUILESS_TEST(PhaseTest)

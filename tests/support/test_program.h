@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/state_names.h"
+
 #include <QApplication>
 #include <QtTest>
 
