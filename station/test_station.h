@@ -2,7 +2,7 @@
 
 #include "charts/line_chart.h"
 #include "station/panel/selection_killer_delegate.h"
-#include "station/panel/shown_readouts.h"
+#include "station/phase.h"
 #include "station/test_cycle.h"
 #include "station/test_parameters.h"
 
@@ -70,55 +70,18 @@ public:
     /** Logs the reason, begins the leg or cycle, and commands the instrument. */
     void set_phase(Phase new_phase, const QString& reason);
 
-public slots:
-    void slot_measurement();
-    void slot_id_change();
-
-private:
-    void enter_phase(Phase new_phase);
-    void begin_charge_leg();
-    void begin_discharge();
-    void begin_cycle();
-    void record_measurement();
-    void record_discharge(double time, double elapsed);
-    void check_transitions();
-
-    // ---- engine/resistance.cpp: the load's short absences -----------------
-    /** @return the resistance in ohms if this very line completed the test, else 0 */
-    double check_internal_resistance_test();
-    void check_internal_resistance_recovery();
-    /** Puts the readings from before the test in place of the live ones. */
-    void freeze_readings();
-    void check_discharge();
-
     // ---- engine/charge.cpp: when a charge ends ----------------------------
-public:
     bool max_charge_time_exceeded() const;
     /** Whether the voltage rose by 0.0 to 0.1 V over the last 600 samples of this leg. */
     bool voltage_has_leveled_off() const;
     /** @return false if the leg has fewer than 60 samples for each of the `minutes` */
     bool delta_voltage(int minutes, double& delta) const;
 
-private:
-    void check_charge();
-    void check_leveled_charge();
-    void check_full_charge_test();
-    void check_final_charge();
-    void check_final_charge_test();
-
     // ---- engine/operator.cpp: the operator's buttons ----------------------
-public:
     void lock_controls();
     void unlock_controls();
 
-private slots:
-    void on_pbStartSkip_clicked();
-    void on_pbNewTest_clicked();
-    void on_pbClose_clicked();
-    void on_sbNumberOfCycles_valueChanged(int value);
-
     // ---- logs/writer.cpp: the two log files -------------------------------
-public:
     /** Opens both logs. False if the operator cancels, or if a file fails, which is then shown. */
     bool begin_log();
     void write_data_log_header();
@@ -137,12 +100,7 @@ public:
     void unload_test_data();
     void set_log_all_telemetry(bool on);
 
-private:
-    void share_data_log();
-    void delete_cycles();
-
     // ---- logs/reader.cpp: a log becomes a test again ----------------------
-public:
     /** Reads `data_log` and shows its parameters; shows a failure and then unloads all. */
     bool ui_safe_read_log();
     /** Reads `data_log` from its start, of whichever generation it is. */
@@ -152,14 +110,40 @@ public:
     /** The same for a log of the older generation. */
     bool read_old_log(QTextStream* stream);
 
-private:
-    bool read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&));
+    // ---- panel/set_up.cpp: the panel's set-up and sizes -------------------
+    void set_widget_sizes();
+    void set_tooltips();  ///< each control's help; panel/tooltips.cpp
 
-    // ---- logs/load.cpp: the choice of an earlier log ----------------------
+    // ---- panel/display.cpp: every label at every moment -------------------
+    /** Writes the parameters into the controls. */
+    void populate_ui();
+    /** Refreshes whatever is derived from the test's state. */
+    void update_ui();
+
+    // ---- panel/selection.cpp: the station's row above the charts ----------
+    /** Fills the colour box, whose items bear the station's identity; the choice stays. */
+    void repopulate_color_combobox();
+
+public slots:
+    void slot_measurement();   ///< engine/phases.cpp
+    void slot_id_change();     ///< likewise
+    void slot_blink(bool on);  ///< panel/display.cpp
+
+signals:
+    void sig_id_change();
+    void sig_max_cycle_change();
+    void sig_close_request(TestStation* station);
+    void sig_repaint_chart_request();
+
 private slots:
-    void on_pbLoadLog_clicked();
+    // ---- engine/operator.cpp: the operator's buttons ----------------------
+    void on_pbStartSkip_clicked();
+    void on_pbNewTest_clicked();
+    void on_pbClose_clicked();
+    void on_sbNumberOfCycles_valueChanged(int value);
 
-    // ---- panel/report.cpp: the page for the customer ----------------------
+    // ---- logs/load.cpp, panel/report.cpp: an earlier log, a page ----------
+    void on_pbLoadLog_clicked();
     void on_pbGeneratePDF_clicked();
 
     // ---- panel/profiles.cpp: the saved sets of parameters -----------------
@@ -167,44 +151,11 @@ private slots:
     void on_pbSaveProfile_clicked();
     void on_pbDeleteProfile_clicked();
 
-    // ---- panel/set_up.cpp: the panel's set-up and sizes -------------------
-public:
-    void set_widget_sizes();
-    void set_tooltips();  ///< each control's help; panel/tooltips.cpp
-
-private:
-    void set_up_panel();
-
-    // ---- panel/display.cpp: every label at every moment -------------------
-public:
-    /** Writes the parameters into the controls. */
-    void populate_ui();
-    /** Refreshes whatever is derived from the test's state. */
-    void update_ui();
-
-public slots:
-    void slot_blink(bool on);
-
-private:
-    void show_start_skip(StartSkip button);
-    void show_changes();  ///< as update_ui, but labels whose value stays are not touched
-    ShownReadouts shown;
-
     // ---- panel/selection.cpp: the station's row above the charts ----------
-private slots:
     void slot_all_cycles_checkbox_clicked();
     void slot_color_change(int index);
 
-public:
-    /** Fills the colour box, whose items bear the station's identity; the choice stays. */
-    void repopulate_color_combobox();
-
-private:
-    void set_up_all_cycles_checkbox();
-    void set_up_color_combobox();
-
     // ---- panel/edits.cpp: what the operator types -------------------------
-private slots:
     void on_pbExpandCollapse_clicked();
     void on_pbDirectory_clicked();
     void on_leProfileName_textEdited(const QString& text);
@@ -217,11 +168,52 @@ private slots:
     void on_cbPromptToDischarge_stateChanged(int state);
     void on_cbMeasureInternalResistance_stateChanged(int state);
 
-signals:
-    void sig_id_change();
-    void sig_max_cycle_change();
-    void sig_close_request(TestStation* station);
-    void sig_repaint_chart_request();
+private:
+    // ---- engine/phases.cpp: one telemetry line, one change of phase -------
+    void enter_phase(Phase new_phase);
+    void begin_charge_leg();
+    void begin_discharge();
+    void begin_cycle();
+    void record_measurement();
+    void check_transitions();
+
+    // ---- engine/charge.cpp: when a charge ends ----------------------------
+    void check_charge();
+    void check_leveled_charge();
+    void check_full_charge_test();
+    void check_final_charge();
+    void check_final_charge_test();
+
+    // ---- engine/discharge.cpp: what a discharge delivers, when it ends ----
+    void record_discharge(double time, double elapsed);
+    void check_discharge();
+
+    // ---- engine/resistance.cpp: the load's short absences -----------------
+    void check_internal_resistance_schedule();
+    /** @return the resistance in ohms if this very line completed the test, else 0 */
+    double check_internal_resistance_test();
+    void check_internal_resistance_recovery();
+    /** Puts the readings from before the test in place of the live ones. */
+    void freeze_readings();
+
+    // ---- logs/writer.cpp, logs/reader.cpp ---------------------------------
+    void share_data_log();
+    void delete_cycles();
+    bool read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&));
+
+    // ---- panel/set_up.cpp, panel/selection.cpp ----------------------------
+    void set_up_panel();
+    void set_up_all_cycles_checkbox();
+    void set_up_color_combobox();
+
+    // ---- panel/display.cpp: every label at every moment -------------------
+    void show_start_skip(StartSkip button);
+    void show_readouts();
+    void show_internal_resistance();
+    void show_totals();
+    void show_current_or_charge_time(const QDateTime& now);
+
+    int shown_resistances = -1;  ///< points behind the mean that is shown; -1 if not known
 
 public:
     // ---- shared data: parameters of the test ------------------------------

@@ -9,9 +9,6 @@
 
 namespace
 {
-// At or below this a discharge row would show no current; the totals grow all the same.
-constexpr double LEAST_SAMPLED_CURRENT = 0.01;
-
 void arm_charge_test_timer(TestStation& station)
 {
     station.next_charge_test_timeout = Time::now().addSecs(station.charge_test_interval);
@@ -127,7 +124,7 @@ void TestStation::slot_measurement()
         record_measurement();
         check_transitions();
     }
-    show_changes();
+    show_readouts();
 }
 
 void TestStation::record_measurement()
@@ -145,28 +142,6 @@ void TestStation::record_measurement()
     case Sample::None:
         break;
     }
-}
-
-void TestStation::record_discharge(double time, double elapsed)
-{
-    const double ir = phase == PHASE_IR_TEST ? check_internal_resistance_test() : 0.0;
-    if (phase == PHASE_IR_RECOVERY)
-        check_internal_resistance_recovery();
-    if (phase == PHASE_IR_TEST || phase == PHASE_IR_RECOVERY)
-        freeze_readings();
-
-    const double mean_i = (kestrometer->valid_current + kestrometer->current) * 0.5;
-    const double mean_v = (kestrometer->valid_voltage + kestrometer->voltage) * 0.5;
-    const double hours = elapsed / 3600.0;
-    current_cycle->amp_hours += mean_i * hours;
-    current_cycle->watt_hours += mean_v * mean_i * hours;
-
-    if (!(kestrometer->current > LEAST_SAMPLED_CURRENT))
-        return;
-    const double amp_hours = current_cycle->amp_hours;
-    current_cycle->voltage_vs_amphours.add(amp_hours, kestrometer->voltage);
-    current_cycle->current_vs_amphours.add(amp_hours, kestrometer->current);
-    append_data_log(time, amp_hours, kestrometer->voltage, kestrometer->current, ir);
 }
 
 void TestStation::check_transitions()

@@ -24,6 +24,12 @@ void begin_internal_resistance_test(TestStation& station)
 }
 }  // namespace
 
+void TestStation::check_internal_resistance_schedule()
+{
+    if (internal_resistance_test_due(*this))
+        begin_internal_resistance_test(*this);
+}
+
 double TestStation::check_internal_resistance_test()
 {
     if (kestrometer->state != Off || !(kestrometer->current < NO_CURRENT))
@@ -55,20 +61,4 @@ void TestStation::freeze_readings()
 {
     kestrometer->voltage = kestrometer->valid_voltage = ir_test_voltage;
     kestrometer->current = kestrometer->valid_current = ir_test_current;
-}
-
-void TestStation::check_discharge()
-{
-    if (internal_resistance_test_due(*this))
-        begin_internal_resistance_test(*this);
-
-    // A check of its own on purpose: a low voltage on the very line that starts a resistance test
-    // ends the discharge, and that test never completes.
-    if (kestrometer->voltage < low_voltage_cutoff) {
-        const Phase next =
-            get_cycle_number() >= number_of_cycles ? PHASE_FINAL_CHARGE : PHASE_CHARGING;
-        set_phase(next, QString("voltage (%1) < low_voltage_cutoff (%2)")
-                            .arg(kestrometer->voltage, 3, 'g')
-                            .arg(low_voltage_cutoff, 0, 'g'));
-    }
 }

@@ -9,6 +9,7 @@
 #include "common/unicode.h"
 #include "common/widget_colors.h"
 #include "common/widget_sizing.h"
+#include "config/help_ids.h"
 #include "config/settings.h"
 #include "config/tool_tips.h"
 #include "device/kestrometer.h"
@@ -20,95 +21,15 @@ constexpr int SILENCE = 2;            // seconds without a line before the opera
 constexpr int RESET_INTERVAL = 5;     // seconds of silence between attempts to reset
 constexpr double LEAST_DISCHARGE_CURRENT = 0.1;  // amps
 
-/** Keeps what is to be shown; false if that is shown already. */
-template <typename Value> bool renew(std::optional<Value>& shown, const Value& value)
-{
-    if (shown == value)
-        return false;
-    shown = value;
-    return true;
-}
-
-bool renew(QString& shown, QStringView text)
-{
-    if (!shown.isNull() && shown == text)
-        return false;
-    shown = text.toString();
-    return true;
-}
-
-bool renew(QString& shown, double value, int decimals)
-{
-    NumberRow number;
-    number.prepend_fixed(value, decimals);
-    return renew(shown, number.view());
-}
-
 QString parameter(double value)
 {
     return QString::number(value, 'g', 6);
 }
 
-void show_name_warnings(const TestStation& station, ShownReadouts& shown)
+void warn_of_name(const QString& name, QLabel* blank, QLabel* bad)
 {
-    const auto show = [](const QString& name, QLabel* blank, QLabel* bad) {
-        blank->setVisible(name.isEmpty());
-        bad->setVisible(File::contains_unsafe_filename_characters(name));
-    };
-    if (renew(shown.serial_number, station.serial_number))
-        show(station.serial_number, station.ui->laBlankSerialNumber, station.ui->laBadSerialNumber);
-    if (renew(shown.profile_name, station.profile_name))
-        show(station.profile_name, station.ui->laBlankName, station.ui->laBadName);
-}
-
-void enable_start(const TestStation& station)
-{
-    if (station.phase == PHASE_IDLE)
-        station.ui->pbStartSkip->setEnabled(station.kestrometer != nullptr &&
-                                            File::is_safe_filename(station.serial_number) &&
-                                            File::is_safe_filename(station.profile_name));
-}
-
-void show_identity(const TestStation& station, ShownReadouts& shown)
-{
-    const int number =
-        station.kestrometer != nullptr ? station.kestrometer->id : station.preview_number;
-    if (renew(shown.number, number))
-        station.ui->laStationID->setText(Unicode::thin_space + station.get_id());
-}
-
-void show_cycle(const TestStation& station, ShownReadouts& shown)
-{
-    if (renew(shown.cycle, {station.get_cycle_number(), station.number_of_cycles}))
-        station.ui->laCycleNumber->setText(
-            QString("Cycle %1/%2").arg(station.get_cycle_number()).arg(station.number_of_cycles));
-}
-
-/** Only a new point moves the mean, and in a long test there are thousands to go through. */
-void show_internal_resistance(const TestStation& station, ShownReadouts& shown)
-{
-    int count = 0;
-    for (const TestCycle* cycle : station.cycles)
-        count += cycle->internal_resistance.points.size();
-    if (renew(shown.resistances, count))
-        station.ui->laIntResistance->setText(station.get_avg_internal_resistance_string());
-}
-
-void show_phase(const TestStation& station, ShownReadouts& shown)
-{
-    // Some of the words count the cycle, others depend on the log.
-    if (renew(shown.phase,
-              {station.phase, station.get_cycle_number(), station.data_log != nullptr}))
-        station.ui->laPhase->setText(station.phase_to_string(station.phase));
-}
-
-void show_voltage(const TestStation& station, ShownReadouts& shown)
-{
-    const bool changed = station.kestrometer != nullptr
-                             ? renew(shown.voltage, station.kestrometer->voltage, 1)
-                             : renew(shown.voltage, u"?");
-    if (changed)
-        station.ui->laVoltage->setText(shown.voltage + " V");
+    blank->setVisible(name.isEmpty());
+    bad->setVisible(File::contains_unsafe_filename_characters(name));
 }
 
 void blink_next_button(const TestStation& station)
@@ -146,79 +67,9 @@ const TestCycle* shown_cycle(const TestStation& station)
     return nothing_yet ? station.cycles.at(station.cycles.size() - 2) : station.current_cycle;
 }
 
-void show_totals(const TestStation& station, ShownReadouts& shown)
+QString total(const TestCycle* cycle, double TestCycle::*value)
 {
-    const TestCycle* cycle = shown_cycle(station);
-    if (cycle != nullptr ? renew(shown.amp_hours, cycle->amp_hours, 2)
-                         : renew(shown.amp_hours, u"?")) {
-        const QString text = shown.amp_hours + " Ah";
-        station.ui->laCummAmpHours->setText(text);
-        station.ui->laCummAmpHours2->setText(text);
-    }
-    if (cycle != nullptr ? renew(shown.watt_hours, cycle->watt_hours, 2)
-                         : renew(shown.watt_hours, u"?"))
-        station.ui->laCummWattHours->setText(shown.watt_hours + " Wh");
-}
-
-/** A text that is missing is told at each request. */
-void assign_current_help(const TestStation& station, ShownReadouts& shown, int id)
-{
-    if (renew(shown.current_help, id) || !ToolTips::tooltips.contains(id))
-        ToolTips::assign(station.ui->laCurrent, id);
-}
-
-void show_current(const TestStation& station, ShownReadouts& shown)
-{
-    shown.charge_time.reset();
-    if (renew(shown.current, station.kestrometer->current, 2))
-        station.ui->laCurrent->setText(shown.current + " A");
-    assign_current_help(station, shown, 57);
-}
-
-void show_charge_time(const TestStation& station, ShownReadouts& shown, const QDateTime& now)
-{
-    shown.current.clear();
-    const qint64 seconds = station.leg_start_time.secsTo(now);
-    if (renew(shown.charge_time, seconds))
-        station.ui->laCurrent->setText(format_time_span(seconds));
-    assign_current_help(station, shown, 58);
-}
-
-void show_current_or_charge_time(const TestStation& station, ShownReadouts& shown,
-                                 const QDateTime& now)
-{
-    if (station.kestrometer == nullptr) {
-        if (renew(shown.current, u"?"))
-            station.ui->laCurrent->setText("? A");
-        return;
-    }
-    switch (station.phase) {
-    case PHASE_DISCHARGING:
-    case PHASE_IR_TEST:
-    case PHASE_IR_RECOVERY:
-        show_current(station, shown);
-        break;
-    case PHASE_CHARGING:
-    case PHASE_CHARGING_LEVELED:
-    case PHASE_FINAL_CHARGE:
-        show_charge_time(station, shown, now);
-        break;
-    case PHASE_IDLE:
-    case PHASE_FULL_CHARGE_TEST:
-    case PHASE_READY_FOR_DISCHARGE:
-    case PHASE_FINAL_CHARGE_TEST:
-    case PHASE_DONE:
-        // What stood there last stays.
-        break;
-    }
-}
-
-void show_elapsed_time(const TestStation& station, ShownReadouts& shown, const QDateTime& now)
-{
-    const bool logging = station.data_log != nullptr;
-    const qint64 seconds = logging ? station.leg_start_time.secsTo(now) : 0;
-    if (renew(shown.elapsed_time, {logging, seconds}))
-        station.ui->laElapsedTime->setText(logging ? format_time_span(seconds) : QString("0s"));
+    return cycle != nullptr ? fixed_decimal(cycle->*value, 2) : QString("?");
 }
 }  // namespace
 
@@ -242,23 +93,71 @@ void TestStation::populate_ui()
 
 void TestStation::update_ui()
 {
-    shown = ShownReadouts();
-    show_changes();
+    shown_resistances = -1;
+    show_readouts();
 }
 
-void TestStation::show_changes()
+void TestStation::show_readouts()
 {
-    show_name_warnings(*this, shown);
-    enable_start(*this);
-    show_identity(*this, shown);
-    show_cycle(*this, shown);
-    show_internal_resistance(*this, shown);
-    show_totals(*this, shown);
-    show_phase(*this, shown);
-    show_voltage(*this, shown);
+    warn_of_name(serial_number, ui->laBlankSerialNumber, ui->laBadSerialNumber);
+    warn_of_name(profile_name, ui->laBlankName, ui->laBadName);
+    if (phase == PHASE_IDLE)
+        ui->pbStartSkip->setEnabled(kestrometer != nullptr &&
+                                    File::is_safe_filename(serial_number) &&
+                                    File::is_safe_filename(profile_name));
+    ui->laStationID->setText(Unicode::thin_space + get_id());
+    ui->laCycleNumber->setText(
+        QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
+    show_internal_resistance();
+    show_totals();
+    ui->laPhase->setText(phase_to_string(phase));
+    ui->laVoltage->setText(kestrometer != nullptr ? fixed_decimal(kestrometer->voltage, 1) + " V"
+                                                  : QString("? V"));
     const QDateTime now = Time::now();
-    show_current_or_charge_time(*this, shown, now);
-    show_elapsed_time(*this, shown, now);
+    show_current_or_charge_time(now);
+    ui->laElapsedTime->setText(data_log != nullptr ? format_time_span(leg_start_time.secsTo(now))
+                                                   : QString("0s"));
+}
+
+/** Only a new point moves the mean, and in a long test there are thousands to go through. */
+void TestStation::show_internal_resistance()
+{
+    int count = 0;
+    for (const TestCycle* cycle : qAsConst(cycles))
+        count += cycle->internal_resistance.points.size();
+    if (count == shown_resistances)
+        return;
+    shown_resistances = count;
+    ui->laIntResistance->setText(get_avg_internal_resistance_string());
+}
+
+void TestStation::show_totals()
+{
+    const TestCycle* cycle = shown_cycle(*this);
+    const QString amp_hours = total(cycle, &TestCycle::amp_hours) + " Ah";
+    ui->laCummAmpHours->setText(amp_hours);
+    ui->laCummAmpHours2->setText(amp_hours);
+    ui->laCummWattHours->setText(total(cycle, &TestCycle::watt_hours) + " Wh");
+}
+
+void TestStation::show_current_or_charge_time(const QDateTime& now)
+{
+    if (kestrometer == nullptr) {
+        ui->laCurrent->setText("? A");
+        return;
+    }
+    switch (traits_of(phase).readout) {
+    case Readout::Kept:
+        break;
+    case Readout::Current:
+        ui->laCurrent->setText(fixed_decimal(kestrometer->current, 2) + " A");
+        ToolTips::assign(ui->laCurrent, HELP_CURRENT);
+        break;
+    case Readout::ChargeTime:
+        ui->laCurrent->setText(format_time_span(leg_start_time.secsTo(now)));
+        ToolTips::assign(ui->laCurrent, HELP_CHARGE_TIME);
+        break;
+    }
 }
 
 void TestStation::show_start_skip(StartSkip button)

@@ -10,7 +10,7 @@
 
 #include <functional>
 
-/** What a line of telemetry shows: all that it has changed, and nothing else. */
+/** What a line of telemetry shows: all that it has changed. */
 class ReadoutsTest : public QObject
 {
     Q_OBJECT
@@ -20,7 +20,6 @@ private slots:
     void a_line_shows_whatever_has_changed_before_it_data();
     void a_line_shows_whatever_has_changed_before_it();
     void current_and_charge_time_take_each_others_place();
-    void the_current_gets_its_help_once();
     void a_missing_help_is_told_at_every_line();
 };
 
@@ -58,19 +57,6 @@ QStringList panels_of_a_tour(bool refreshed)
         qFatal("The tour has left a phase out.");
     return panels;
 }
-
-/** Counts the new tooltips of a widget. */
-class HelpCounter : public QObject
-{
-public:
-    bool eventFilter(QObject*, QEvent* event) override
-    {
-        count += event->type() == QEvent::ToolTipChange ? 1 : 0;
-        return false;
-    }
-
-    int count = 0;
-};
 
 using Change = std::function<void(TestStation&)>;
 
@@ -148,22 +134,6 @@ void ReadoutsTest::current_and_charge_time_take_each_others_place()
         bench.station->phase = PHASE_DISCHARGING;
         bench.receive_after(0.0, "41.52", "9.98", "D");
     }
-}
-
-void ReadoutsTest::the_current_gets_its_help_once()
-{
-    StationBench bench;
-    begin_discharge(bench);
-    HelpCounter counter;
-    bench.widget<QLabel>("laCurrent")->installEventFilter(&counter);
-    for (int i = 0; i < 3; ++i)
-        bench.receive("41.52", "9.98", "D");
-    QCOMPARE(counter.count, 0);
-    // Put there anew with all the others, it is not known any more.
-    bench.station->set_tooltips();
-    counter.count = 0;
-    bench.receive("41.52", "9.98", "D");
-    QCOMPARE(counter.count, 1);
 }
 
 void ReadoutsTest::a_missing_help_is_told_at_every_line()
