@@ -1,57 +1,11 @@
 #include "device/telemetry_line.h"
 #include "support/test_program.h"
 
-#include "common/parse_int.h"
-
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <limits>
 
 Q_DECLARE_METATYPE(KestrometerState)
-
-namespace
-{
-/** All that a line leaves behind, as one text to be compared. */
-QString outcome(bool valid, double voltage, double current, int id, KestrometerState state)
-{
-    return QString("%1 %2 %3 %4 %5")
-        .arg(valid)
-        .arg(voltage, 0, 'g', 17)
-        .arg(current, 0, 'g', 17)
-        .arg(id)
-        .arg(state);
-}
-
-QString read_by_our_way(const QString& line)
-{
-    double voltage = 99.0;
-    double current = 99.0;
-    int id = 99;
-    KestrometerState state = Unknown;
-    const bool valid = read_telemetry_line(line, voltage, current, id, state);
-    return outcome(valid, voltage, current, id, state);
-}
-
-/** The plainest way, with the toolkit's means only. */
-QString read_step_by_step(const QString& line)
-{
-    const QStringList fields = line.split('\t');
-    double voltage = 99.0;
-    double current = 99.0;
-    int id = 99;
-    bool valid = fields.size() == 7;
-    if (valid)
-        voltage = fields[1].toDouble(&valid);
-    if (valid)
-        current = fields[2].toDouble(&valid);
-    if (valid)
-        valid = parse_int(QString(fields[5]).remove("ID="), id);
-    valid = valid && fields[6].size() == 1;
-    const KestrometerState state = valid ? state_from_letter(fields[6][0]) : Unknown;
-    return outcome(valid, voltage, current, id, state);
-}
-}  // namespace
 
 class TelemetryLineTest : public QObject
 {
@@ -63,7 +17,6 @@ private slots:
     void invalid_lines_end_at_the_field_that_fails_data();
     void invalid_lines_end_at_the_field_that_fails();
     void numbers_that_are_not_finite_are_numbers();
-    void damaged_lines_are_read_like_step_by_step();
 };
 
 void TelemetryLineTest::valid_lines_are_read_data()
@@ -186,28 +139,6 @@ void TelemetryLineTest::numbers_that_are_not_finite_are_numbers()
     QVERIFY(qIsNaN(current));
     QVERIFY(read_telemetry_line("x\t-inf\t1\tx\tx\tID=7\tO", voltage, current, id, state));
     QCOMPARE(voltage, -std::numeric_limits<double>::infinity());
-}
-
-void TelemetryLineTest::damaged_lines_are_read_like_step_by_step()
-{
-    QRandomGenerator random(2020);
-    const QString alphabet = "\t\t0123456789..--+eEIDxX=COD ,\x01";
-    for (int round = 0; round < 50000; ++round) {
-        QString line = "17\t-48.02\t3.1\t0\t0\tID=31\tD";
-        const int damages = random.bounded(4);
-        for (int damage = 0; damage < damages; ++damage) {
-            const int place = random.bounded(line.size());
-            const QChar character = alphabet[random.bounded(alphabet.size())];
-            const int kind = random.bounded(3);
-            if (kind == 0)
-                line[place] = character;
-            else if (kind == 1)
-                line.insert(place, character);
-            else
-                line.remove(place, 1);
-        }
-        QCOMPARE(read_by_our_way(line), read_step_by_step(line));
-    }
 }
 
 KEST_GUILESS_TEST(TelemetryLineTest)
