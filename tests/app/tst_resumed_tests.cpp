@@ -1,3 +1,4 @@
+#include "support/log_loading.h"
 #include "support/test_files.h"
 #include "support/test_program.h"
 #include "support/whole_test.h"
@@ -37,11 +38,6 @@ QByteArray broken_off()
 {
     const QByteArray whole = content_of(test_data("whole/three_cycles.csv"));
     return whole.left(whole.indexOf("Charge Number:               3"));
-}
-
-QByteArray sample(const char* name)
-{
-    return content_of(test_data(QString("logs/") + name));
 }
 
 void place(WholeTest& test, const QByteArray& log)
@@ -204,13 +200,14 @@ void ResumedTestsTest::an_append_to_a_file_that_is_no_log_is_refused()
 void ResumedTestsTest::an_older_log_that_goes_on_cannot_be_loaded_again()
 {
     WholeTest test;
-    load(test, sample("older_two_cycles.csv"));
+    load(test, sample_log("older_two_cycles.csv"));
     QCOMPARE(test.station.cycles.size(), 2);
     test.press("pbStartSkip");
     QCOMPARE(test.station.phase, PHASE_CHARGING);
     test.run(2);
     const QByteArray csv = test.bench.csv();
-    QVERIFY(csv.startsWith(sample("older_two_cycles.csv") + "Charge Number:               3\n"));
+    QVERIFY(
+        csv.startsWith(sample_log("older_two_cycles.csv") + "Charge Number:               3\n"));
 
     QVERIFY(write_file(test.bench.path("copy.csv"), csv));
     test.bench.answers.click(QMessageBox::Yes);

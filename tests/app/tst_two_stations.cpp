@@ -48,9 +48,9 @@ struct SecondStation
 
     QString difference(const StationBench& bench) const
     {
-        return difference_from_golden("second_of_two.commands", link.commands) +
-               difference_from_golden("second_of_two.csv", bench.file("Pack B_31.csv")) +
-               difference_from_golden("second_of_two.txt", bench.file("Pack B_31.txt"));
+        return difference_from_golden("whole/second_of_two.commands", link.commands) +
+               difference_from_golden("whole/second_of_two.csv", bench.file("Pack B_31.csv")) +
+               difference_from_golden("whole/second_of_two.txt", bench.file("Pack B_31.txt"));
     }
 
     Wire wire;

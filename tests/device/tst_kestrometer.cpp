@@ -1,8 +1,5 @@
-#include "device/kestrometer.h"
-
-#include "support/test_clock.h"
+#include "instrument_bench.h"
 #include "support/test_program.h"
-#include "support/wire.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -11,8 +8,8 @@
 
 namespace
 {
-/** An instrument, its cable, and what listeners have seen of it. */
-struct Bench
+/** With what listeners have seen of it. */
+struct Bench : InstrumentBench
 {
     Bench()
     {
@@ -22,14 +19,6 @@ struct Bench
                          [this] { heard.append("measurement"); });
     }
 
-    bool send(const QByteArray& line)
-    {
-        return wire.send(line, instrument);
-    }
-
-    TestClock clock;
-    Wire wire;
-    Kestrometer instrument{wire.port_name()};
     QStringList heard;
 };
 }  // namespace
@@ -143,8 +132,7 @@ void KestrometerTest::an_invalid_line_changes_only_what_it_reached_data()
     QTest::newRow("bad current") << QByteArray("x\t50\t1,5\tx\tx\tID=8\tC") << 50.0 << 0.0 << 7;
     QTest::newRow("bad ID") << QByteArray("x\t50\t1\tx\tx\tID=12abc\tC") << 50.0 << 1.0 << 7;
     QTest::newRow("no ID") << QByteArray("x\t50\t1\tx\tx\tID=\tC") << 50.0 << 1.0 << 7;
-    QTest::newRow("ID beyond 32 bits")
-        << QByteArray("x\t50\t1\tx\tx\tID=4294967304\tC") << 50.0 << 1.0 << 8;
+    add_row("ID beyond 32 bits", QByteArray("x\t50\t1\tx\tx\tID=4294967304\tC"), 50.0, 1.0, 8);
     QTest::newRow("two letters") << QByteArray("x\t50\t1\tx\tx\tID=8\tCC") << 50.0 << 1.0 << 8;
     QTest::newRow("no letter") << QByteArray("x\t50\t1\tx\tx\tID=8\t") << 50.0 << 1.0 << 8;
 }

@@ -1,10 +1,7 @@
-#include "device/kestrometer.h"
-
+#include "instrument_bench.h"
 #include "support/console_capture.h"
 #include "support/modal_answer.h"
-#include "support/test_clock.h"
 #include "support/test_program.h"
-#include "support/wire.h"
 
 #include <QBuffer>
 #include <QSignalSpy>
@@ -17,17 +14,7 @@ const QByteArray REPORTS_OFF = "x\t48.00\t0.0\tx\tx\tID=31\tO";
 const QByteArray REPORTS_CHARGING = "x\t48.00\t2.0\tx\tx\tID=31\tC";
 const QByteArray RESET_BYTES("\x55\x55\x55\x55\x55\x55\x00\x00\x00\x04", 10);
 
-struct Bench
-{
-    bool send(const QByteArray& line)
-    {
-        return wire.send(line, instrument);
-    }
-
-    TestClock clock;
-    Wire wire;
-    Kestrometer instrument{wire.port_name()};
-};
+using Bench = InstrumentBench;
 
 QStringList toolkit_messages;
 

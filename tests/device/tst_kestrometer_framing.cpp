@@ -84,8 +84,7 @@ void KestrometerFramingTest::lines_end_at_cr_lf_and_nowhere_else_data()
     QTest::newRow("CR at the end of a chunk") << Chunks{"one\r", "\ntwo"} << Lines{"one"} << "two";
     QTest::newRow("CR, CR LF in the next") << Chunks{"one\r", "\r\n"} << Lines{"one\r"} << "";
     QTest::newRow("CR, other in the next") << Chunks{"one\r", "two\r\n"} << Lines{"one\rtwo"} << "";
-    QTest::newRow("CR behind a line")
-        << Chunks{"one\r\n\r", "\n\r\n"} << Lines{"one", "", ""} << "";
+    add_row("CR behind a line", Chunks{"one\r\n\r", "\n\r\n"}, Lines{"one", "", ""}, "");
     QTest::newRow("empty lines") << Chunks{"\r\n\r\n"} << Lines{"", ""} << "";
     QTest::newRow("blanks stay") << Chunks{" \tone \r\n"} << Lines{" \tone "} << "";
 }
@@ -94,12 +93,11 @@ void KestrometerFramingTest::lines_end_at_cr_lf_and_nowhere_else()
 {
     QFETCH(QByteArrayList, chunks);
     QFETCH(QStringList, lines);
-    QFETCH(QString, rest);
     Bench bench;
     for (const QByteArray& chunk : chunks)
         QVERIFY(bench.send(chunk));
     QCOMPARE(bench.log.data(), logged(lines));
-    QCOMPARE(bench.instrument->receive_buffer, rest);
+    QTEST(bench.instrument->receive_buffer, "rest");
 }
 
 void KestrometerFramingTest::a_line_may_be_split_at_every_byte()
@@ -142,8 +140,7 @@ void KestrometerFramingTest::a_chunk_is_decoded_on_its_own_data()
     QTest::newRow("NUL behind a line") << Chunks{"one\r\n" + nul + "two\r\n"} << Lines{"one"} << "";
     QTest::newRow("NUL first") << Chunks{nul + "one\r\n", "two\r\n"} << Lines{"two"} << "";
     QTest::newRow("NUL alone") << Chunks{nul, "one\r\n"} << Lines{"one"} << "";
-    QTest::newRow("NUL between CR and LF")
-        << Chunks{"one\r" + nul + "\n", "\n"} << Lines{"one"} << "";
+    add_row("NUL between CR and LF", Chunks{"one\r" + nul + "\n", "\n"}, Lines{"one"}, "");
     QTest::newRow("UTF-8") << Chunks{"\xC3\xA9\r\n"} << Lines{QString(QChar(0xE9))} << "";
     QTest::newRow("not UTF-8") << Chunks{"a\xFFz\r\n"} << Lines{"a" + bad + "z"} << "";
     QTest::newRow("character cut in two")

@@ -27,8 +27,7 @@ void RawTrafficTest::what_a_label_cannot_show_becomes_its_code_data()
     QTest::newRow("Latin-1") << QString(QChar(0xE9)) << QString("[0xE9]");
     QTest::newRow("128") << QString(QChar(0x80)) << QString("[0x80]");
     QTest::newRow("replacement") << QString(QChar(0xFFFD)) << QString("[0xFFFD]");
-    QTest::newRow("surrogates") << QString::fromUtf8("\xF0\x9F\x94\x8B")
-                                << QString("[0xD83D][0xDD0B]");
+    add_row("surrogates", QString::fromUtf8("\xF0\x9F\x94\x8B"), QString("[0xD83D][0xDD0B]"));
 }
 
 void RawTrafficTest::what_a_label_cannot_show_becomes_its_code()
@@ -53,8 +52,7 @@ void RawTrafficTest::bytes_become_pairs_of_digits_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("none") << QByteArray() << QString();
     QTest::newRow("one") << QByteArray("O") << QString("4F");
-    QTest::newRow("reset") << QByteArray("UUUUUU\0\0\0\4", 10)
-                           << QString("55 55 55 55 55 55 00 00 00 04");
+    add_row("reset", QByteArray("UUUUUU\0\0\0\4", 10), QString("55 55 55 55 55 55 00 00 00 04"));
     QTest::newRow("high") << QByteArray("\xFF\x80") << QString("FF 80");
 }
 

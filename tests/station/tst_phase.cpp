@@ -1,5 +1,6 @@
 #include "station/phase.h"
 #include "support/test_program.h"
+#include "support/test_road.h"
 
 #include <QSet>
 #include <QtTest>
@@ -12,7 +13,6 @@ class PhaseTest : public QObject
     Q_OBJECT
 
 private slots:
-    void phases_keep_their_numbers_data();
     void phases_keep_their_numbers();
     void every_phase_is_in_one_set_of_each_kind_data();
     void every_phase_is_in_one_set_of_each_kind();
@@ -20,34 +20,26 @@ private slots:
     void a_failed_comparison_names_the_values();
 };
 
-void PhaseTest::phases_keep_their_numbers_data()
-{
-    QTest::addColumn<int>("phase");
-    QTest::addColumn<int>("number");
-    QTest::newRow("idle") << int(PHASE_IDLE) << 0;
-    QTest::newRow("charging") << int(PHASE_CHARGING) << 1;
-    QTest::newRow("charging on") << int(PHASE_CHARGING_LEVELED) << 2;
-    QTest::newRow("full charge test") << int(PHASE_FULL_CHARGE_TEST) << 3;
-    QTest::newRow("ready for discharge") << int(PHASE_READY_FOR_DISCHARGE) << 4;
-    QTest::newRow("discharging") << int(PHASE_DISCHARGING) << 5;
-    QTest::newRow("resistance test") << int(PHASE_IR_TEST) << 6;
-    QTest::newRow("recovery") << int(PHASE_IR_RECOVERY) << 7;
-    QTest::newRow("final charge") << int(PHASE_FINAL_CHARGE) << 8;
-    QTest::newRow("final charge test") << int(PHASE_FINAL_CHARGE_TEST) << 9;
-    QTest::newRow("done") << int(PHASE_DONE) << 10;
-}
-
 void PhaseTest::phases_keep_their_numbers()
 {
-    QFETCH(int, phase);
-    QTEST(phase, "number");
+    const QList<Phase> in_order = {PHASE_IDLE,
+                                   PHASE_CHARGING,
+                                   PHASE_CHARGING_LEVELED,
+                                   PHASE_FULL_CHARGE_TEST,
+                                   PHASE_READY_FOR_DISCHARGE,
+                                   PHASE_DISCHARGING,
+                                   PHASE_IR_TEST,
+                                   PHASE_IR_RECOVERY,
+                                   PHASE_FINAL_CHARGE,
+                                   PHASE_FINAL_CHARGE_TEST,
+                                   PHASE_DONE};
+    for (int number = 0; number < in_order.size(); ++number)
+        QCOMPARE(int(in_order.at(number)), number);
 }
 
 void PhaseTest::every_phase_is_in_one_set_of_each_kind_data()
 {
-    QTest::addColumn<int>("phase");
-    for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase)
-        QTest::addRow("phase %d", phase) << phase;
+    add_all_phases();
 }
 
 void PhaseTest::every_phase_is_in_one_set_of_each_kind()

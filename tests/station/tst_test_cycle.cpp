@@ -1,5 +1,6 @@
 #include "station/test_cycle.h"
 #include "support/test_program.h"
+#include "support/test_road.h"
 
 #include <QtTest>
 
@@ -19,12 +20,6 @@ private slots:
 
 namespace
 {
-/** With the ohm sign, and not the capital omega that looks like it. */
-QString in_milliohms(const char* number)
-{
-    return QString("%1 m%2").arg(number).arg(QChar(0x2126));
-}
-
 /** One sample every `step` amp-hours, the first at 0; each shows its own number as voltage. */
 void fill(TestCycle& cycle, int samples, double step)
 {
@@ -55,8 +50,7 @@ void TestCycleTest::the_mean_resistance_has_no_decimals_data()
     QTest::newRow("one") << QList<double>{14.2} << in_milliohms("14");
     QTest::newRow("mean of several") << QList<double>{10.0, 11.0, 15.0} << in_milliohms("12");
     QTest::newRow("a half goes up") << QList<double>{123.0, 124.0} << in_milliohms("124");
-    QTest::newRow("a half goes up to an odd one")
-        << QList<double>{122.0, 123.0} << in_milliohms("123");
+    add_row("a half goes up to an odd one", QList<double>{122.0, 123.0}, in_milliohms("123"));
     QTest::newRow("far beyond a pack's") << QList<double>{1e9} << in_milliohms("1000000000");
 }
 

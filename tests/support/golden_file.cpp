@@ -6,14 +6,9 @@
 
 namespace
 {
-QString golden_path(const QString& file_name)
-{
-    return test_data("whole/" + file_name);
-}
-
 QString write_golden(const QString& file_name, const QByteArray& bytes)
 {
-    QFile file(golden_path(file_name));
+    QFile file(test_data(file_name));
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
         return QString("%1 cannot be written.").arg(file_name);
     return QString("%1 was written; check it and run again without KEST_UPDATE_GOLDEN.")
@@ -36,7 +31,7 @@ QString difference_from_golden(const QString& file_name, const QByteArray& bytes
 {
     if (qEnvironmentVariableIsSet("KEST_UPDATE_GOLDEN"))
         return write_golden(file_name, bytes);
-    QFile file(golden_path(file_name));
+    QFile file(test_data(file_name));
     if (!file.open(QIODevice::ReadOnly))
         return QString("There is no %1; KEST_UPDATE_GOLDEN=1 makes it.").arg(file_name);
     const QByteArray expected = file.readAll();

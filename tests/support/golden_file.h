@@ -4,7 +4,7 @@
 #include <QString>
 
 /**
- * Compares bytes with the file of this name in tests/data/whole.
+ * Compares bytes with this file of tests/data, "whole/one_cycle.csv".
  *
  * With KEST_UPDATE_GOLDEN in the environment the file is written instead, and the answer is never
  * empty, so that a test which makes its own expectation does not pass.

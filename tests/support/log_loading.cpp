@@ -34,12 +34,13 @@ bool in_start_state(const TestStation& station)
            !station.serial_number_edited;
 }
 
-QStringList boxes_of(const StationBench& bench)
+void choose(StationBench& bench, const char* radio_button)
 {
-    QStringList texts;
-    for (const SeenBox& box : bench.answers.seen)
-        texts << box.caption + ": " + box.text;
-    return texts;
+    bench.answers.handle([radio_button](QWidget* dialog) {
+        QTest::mouseClick(dialog->findChild<QWidget*>(radio_button), Qt::LeftButton, Qt::NoModifier,
+                          QPoint(8, 8));
+        QTest::mouseClick(dialog->findChild<QWidget*>("pbConfirm"), Qt::LeftButton);
+    });
 }
 
 void PreviewStation::load(StationBench& bench, const QString& path)

@@ -22,8 +22,8 @@ void load_log(StationBench& bench, const QString& path);
 /** As a new station is, but for the parameters: nothing loaded, nothing open, nothing locked. */
 bool in_start_state(const TestStation& station);
 
-/** What the message boxes showed, "Error: That log file is currently in use." */
-QStringList boxes_of(const StationBench& bench);
+/** Answers the question about an earlier log of the same name: "rbAppend", "rbOverwrite", ... */
+void choose(StationBench& bench, const char* radio_button);
 
 /** A second station without an instrument, with the folder and the answers of a bench. */
 class PreviewStation

@@ -1,5 +1,7 @@
 #include "support/profile_bench.h"
 
+#include "support/profile_file.h"
+
 #include "station/test_station.h"
 
 #include <QComboBox>
@@ -45,16 +47,6 @@ QComboBox* box_of(const TestStation& station)
 {
     return station.findChild<QComboBox*>("cbProfile");
 }
-
-QString number(double value)
-{
-    return QString::number(value, 'g', 17);
-}
-
-QString flag(bool value)
-{
-    return value ? "yes" : "no";
-}
 }  // namespace
 
 bool is_question(const SeenBox& box, const QString& caption, const QString& text,
@@ -64,6 +56,18 @@ bool is_question(const SeenBox& box, const QString& caption, const QString& text
            box.buttons == buttons && box.default_button == QMessageBox::No && !box.has_parent;
 }
 
+bool is_message(const SeenBox& box, QMessageBox::Icon icon, const QString& caption,
+                const QString& text)
+{
+    return box.caption == caption && box.text == text && box.icon == icon &&
+           box.buttons == QMessageBox::Ok && !box.has_parent;
+}
+
+bool is_error(const SeenBox& box, const QString& text)
+{
+    return is_message(box, QMessageBox::Warning, "Error", text);
+}
+
 ProfileBench::ProfileBench(const QByteArray& profiles) : StationBench(profiles)
 {
 }
@@ -71,6 +75,13 @@ ProfileBench::ProfileBench(const QByteArray& profiles) : StationBench(profiles)
 void ProfileBench::choose_profile(const QString& name)
 {
     box_of(*station)->setCurrentText(name);
+}
+
+void ProfileBench::delete_profile()
+{
+    answers.click(QMessageBox::Yes);
+    answers.click(QMessageBox::Ok);
+    press("pbDeleteProfile");
 }
 
 bool ProfileBench::save_enabled()
@@ -102,11 +113,11 @@ QString parameters_of(const TestStation& station)
                        station.serial_number,
                        QString::number(station.number_of_cycles),
                        QString::number(station.max_charge_time),
-                       number(station.low_voltage_cutoff),
-                       number(station.final_voltage),
-                       flag(station.detect_full_charge),
-                       flag(station.prompt_to_discharge),
-                       flag(station.measure_internal_resistance),
-                       number(station.internal_resistance_test_interval_ah)}
+                       number_text(station.low_voltage_cutoff),
+                       number_text(station.final_voltage),
+                       flag_text(station.detect_full_charge),
+                       flag_text(station.prompt_to_discharge),
+                       flag_text(station.measure_internal_resistance),
+                       number_text(station.internal_resistance_test_interval_ah)}
         .join('|');
 }

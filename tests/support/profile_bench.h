@@ -13,6 +13,11 @@ extern const QByteArray THREE_PROFILES;
 bool is_question(const SeenBox& box, const QString& caption, const QString& text,
                  QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::No);
 
+/** A message without a parent and with nothing but OK. */
+bool is_message(const SeenBox& box, QMessageBox::Icon icon, const QString& caption,
+                const QString& text);
+bool is_error(const SeenBox& box, const QString& text);
+
 /** A station among profiles. */
 class ProfileBench : public StationBench
 {
@@ -20,6 +25,8 @@ public:
     explicit ProfileBench(const QByteArray& profiles = THREE_PROFILES);
 
     void choose_profile(const QString& name);
+    /** Presses Delete, and Yes and OK thereafter. */
+    void delete_profile();
     bool save_enabled();
     bool delete_enabled();
 };

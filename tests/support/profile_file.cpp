@@ -19,19 +19,6 @@ const QByteArray FIRST_PROFILE_FILE = "[Sample Profile]\n"
                                       "ir_test_interval_ah=2\n"
                                       "\n";
 
-namespace
-{
-QString number(double value)
-{
-    return QString::number(value, 'g', 17);
-}
-
-QString flag(bool value)
-{
-    return value ? "yes" : "no";
-}
-}  // namespace
-
 void forget_profiles()
 {
     qDeleteAll(BatteryProfiles::profiles);
@@ -63,13 +50,13 @@ QString text_of(const BatteryProfile& profile)
                        profile.serial_number_template,
                        QString::number(profile.number_of_cycles),
                        QString::number(profile.max_charge_time_sec),
-                       number(profile.low_voltage_cutoff),
-                       number(profile.final_voltage),
-                       flag(profile.detect_full_charge),
-                       flag(profile.prompt_to_discharge),
-                       flag(profile.measure_internal_resistance),
-                       number(profile.ir_test_interval_ah),
-                       flag(profile.on_disk)}
+                       number_text(profile.low_voltage_cutoff),
+                       number_text(profile.final_voltage),
+                       flag_text(profile.detect_full_charge),
+                       flag_text(profile.prompt_to_discharge),
+                       flag_text(profile.measure_internal_resistance),
+                       number_text(profile.ir_test_interval_ah),
+                       flag_text(profile.on_disk)}
         .join('|');
 }
 
@@ -77,4 +64,14 @@ QString profile_text(const QString& description)
 {
     const BatteryProfile* profile = BatteryProfiles::profiles.value(description);
     return profile != nullptr ? text_of(*profile) : QString();
+}
+
+QString number_text(double value)
+{
+    return QString::number(value, 'g', 17);
+}
+
+QString flag_text(bool value)
+{
+    return value ? "yes" : "no";
 }

@@ -25,3 +25,7 @@ QString text_of(const BatteryProfile& profile);
 
 /** The same of the profile of this name; empty if there is none. */
 QString profile_text(const QString& description);
+
+/** A number to its last digit, and "yes" or "no". */
+QString number_text(double value);
+QString flag_text(bool value);

@@ -7,6 +7,7 @@
 #include "support/profile_file.h"
 
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QtTest>
@@ -103,6 +104,24 @@ QByteArray StationBench::file(const QString& name) const
 {
     QFile source(path(name));
     return !name.isEmpty() && source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
+}
+
+QStringList StationBench::files() const
+{
+    return QDir(folder.path()).entryList({"*.csv", "*.txt"}, QDir::Files, QDir::Name);
+}
+
+QStringList StationBench::boxes() const
+{
+    QStringList texts;
+    for (const SeenBox& box : answers.seen)
+        texts << box.caption + ": " + box.text;
+    return texts;
+}
+
+QString StationBench::text(const char* label) const
+{
+    return static_cast<QLabel*>(find(label))->text();
 }
 
 QString StationBench::path(const QString& name) const

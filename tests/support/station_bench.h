@@ -7,6 +7,7 @@
 #include "station/phase.h"
 
 #include <QByteArray>
+#include <QStringList>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -53,6 +54,13 @@ public:
     QByteArray file(const QString& name) const;
     QString path(const QString& name) const;
 
+    /** The names of all logs in their folder. */
+    QStringList files() const;
+
+    /** What the message boxes showed, "Error: That log file is currently in use." */
+    QStringList boxes() const;
+    /** What a label of the panel says. */
+    QString text(const char* label) const;
     /** A widget of the panel by its object name. */
     template <typename Widget> Widget* widget(const char* name);
 

@@ -28,6 +28,12 @@ template <typename Application, typename Tests> int run_tests(int argc, char** a
     return QTest::qExec(&tests, argc, argv);
 }
 
+/** A row of a data table in one line: add_row("both good", "Pack A", "1042", true). */
+template <typename... Values> void add_row(const char* name, const Values&... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
 #define KEST_TEST_MAIN(run) static const TestProgram test_program(__FILE__, run);
 #define KEST_TEST(Tests) KEST_TEST_MAIN((run_tests<QApplication, Tests>))
 #define KEST_GUILESS_TEST(Tests) KEST_TEST_MAIN((run_tests<QCoreApplication, Tests>))

@@ -4,6 +4,7 @@
 
 #include <QCheckBox>
 #include <QSpinBox>
+#include <QtTest>
 
 namespace
 {
@@ -110,6 +111,26 @@ void bring_to(StationBench& bench, Phase phase, int discharges_before)
     go_on_from_charge(bench, phase);
     if (bench.station->phase != phase)
         qFatal("The road to phase %d ended in phase %d.", int(phase), int(bench.station->phase));
+}
+
+void add_all_phases()
+{
+    QTest::addColumn<int>("phase");
+    for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase)
+        QTest::addRow("phase %d", phase) << phase;
+}
+
+TestCycle* add_cycle(TestStation& station)
+{
+    auto* cycle = new TestCycle;
+    station.cycles.append(cycle);
+    station.current_cycle = cycle;
+    return cycle;
+}
+
+QString in_milliohms(const char* number)
+{
+    return QString("%1 m%2").arg(number).arg(QChar(0x2126));
 }
 
 QStringList events(StationBench& bench)

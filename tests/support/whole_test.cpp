@@ -62,9 +62,9 @@ QString WholeTest::difference_from(const QString& name)
 {
     link.take_commands();
     QStringList differences;
-    differences << difference_from_golden(name + ".commands", link.commands)
-                << difference_from_golden(name + ".csv", bench.csv())
-                << difference_from_golden(name + ".txt", bench.txt())
+    differences << difference_from_golden("whole/" + name + ".commands", link.commands)
+                << difference_from_golden("whole/" + name + ".csv", bench.csv())
+                << difference_from_golden("whole/" + name + ".txt", bench.txt())
                 << difference_after_reload(station, bench.csv());
     differences.removeAll(QString());
     return differences.join('\n');

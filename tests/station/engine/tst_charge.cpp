@@ -303,7 +303,6 @@ void ChargeTest::out_of_time_and_due_is_done_and_tested_data()
 void ChargeTest::out_of_time_and_due_is_done_and_tested()
 {
     QFETCH(double, final_voltage);
-    QFETCH(QStringList, phases);
     StationBench bench;
     bring_to(bench, PHASE_FINAL_CHARGE);
     bench.station->max_charge_time = 60;
@@ -316,7 +315,7 @@ void ChargeTest::out_of_time_and_due_is_done_and_tested()
     QStringList seen;
     for (const QString& text : new_events(bench, before))
         seen += text.section(' ', 3).section(" because", 0, 0);
-    QCOMPARE(seen, phases);
+    QTEST(seen, "phases");
 }
 
 void ChargeTest::a_stale_timer_of_an_earlier_leg_means_nothing()

@@ -51,12 +51,6 @@ bool all_identity_enabled(StationBench& bench, bool enabled)
     return true;
 }
 
-void add_all_phases()
-{
-    QTest::addColumn<int>("phase");
-    for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase)
-        QTest::addRow("phase %d", phase) << phase;
-}
 }  // namespace
 
 void OperatorTest::the_button_acts_by_phase_data()

@@ -6,6 +6,7 @@
 #include "device/kestrometer.h"
 
 #include <QFile>
+#include <QLabel>
 #include <QtTest>
 
 /** What a station says about itself: its names, its phase, its cycle, its resistance. */
@@ -27,7 +28,6 @@ private slots:
     void a_cycle_without_resistance_leaves_the_mean_of_the_others();
     void a_live_station_is_named_after_its_instrument();
     void previews_count_up_and_never_down();
-    void a_live_station_takes_no_preview_number();
     void a_new_station_has_the_defaults();
     void stations_are_listed_while_they_live();
     void a_dying_station_switches_off_before_the_port_closes();
@@ -35,26 +35,11 @@ private slots:
 
 namespace
 {
-/** With the ohm sign, and not the capital omega that looks like it. */
-QString in_milliohms(const char* number)
+TestCycle* add_cycle(TestStation& station, const QList<double>& milliohms)
 {
-    return QString("%1 m%2").arg(number).arg(QChar(0x2126));
-}
-
-void add_all_phases()
-{
-    QTest::addColumn<int>("phase");
-    for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase)
-        QTest::addRow("phase %d", phase) << phase;
-}
-
-TestCycle* add_cycle(TestStation& station, const QList<double>& milliohms = {})
-{
-    auto* cycle = new TestCycle;
+    TestCycle* cycle = add_cycle(station);
     for (const double value : milliohms)
         cycle->internal_resistance.add(0.5, value);
-    station.cycles.append(cycle);
-    station.current_cycle = cycle;
     return cycle;
 }
 }  // namespace
@@ -82,6 +67,11 @@ void ProgressTest::every_phase_has_its_text()
     QFETCH(int, phase);
     StationBench bench;
     QTEST(bench.station->phase_to_string(Phase(phase)), "text");
+    if (phase > PHASE_DONE)
+        return;
+    bench.station->phase = Phase(phase);
+    bench.station->update_ui();
+    QTEST(bench.text("laPhase"), "text");
 }
 
 void ProgressTest::an_idle_station_says_what_it_waits_for()
@@ -189,11 +179,13 @@ void ProgressTest::a_live_station_is_named_after_its_instrument()
 
 void ProgressTest::previews_count_up_and_never_down()
 {
-    StationBench bench;
     const int before = TestStation::num_previews;
+    const StationBench bench;
+    QCOMPARE(bench.station->preview_number, 0);
     TestStation first(nullptr, nullptr);
     QCOMPARE(first.preview_number, before + 1);
     QCOMPARE(first.get_id(), QString("Preview %1").arg(before + 1));
+    QCOMPARE(first.findChild<QLabel*>("laStationID")->text(), QChar(0x2009) + first.get_id());
     QCOMPARE(first.get_short_id(), QString("P%1").arg(before + 1));
     QCOMPARE(first.get_port_name(), QString("Preview Only"));
     auto second = std::make_unique<TestStation>(nullptr, nullptr);
@@ -202,14 +194,6 @@ void ProgressTest::previews_count_up_and_never_down()
     QCOMPARE(TestStation::num_previews, before + 2);
     const TestStation third(nullptr, nullptr);
     QCOMPARE(third.get_short_id(), QString("P%1").arg(before + 3));
-}
-
-void ProgressTest::a_live_station_takes_no_preview_number()
-{
-    const int before = TestStation::num_previews;
-    StationBench bench;
-    QCOMPARE(TestStation::num_previews, before);
-    QCOMPARE(bench.station->preview_number, 0);
 }
 
 void ProgressTest::a_new_station_has_the_defaults()

@@ -5,7 +5,6 @@
 
 #include "device/kestrometer.h"
 
-#include <QLabel>
 #include <QtTest>
 
 /** What is kept of each line: samples, rows of the data log, amp-hours and watt-hours. */
@@ -47,8 +46,7 @@ int samples(const TestStation& station)
 void add_row(const char* name, Phase phase, const char* state, const QStringList& rows,
              int charge_samples, int discharge_samples)
 {
-    QTest::newRow(name) << int(phase) << QByteArray(state) << rows << charge_samples
-                        << discharge_samples;
+    add_row(name, int(phase), QByteArray(state), rows, charge_samples, discharge_samples);
 }
 
 /** Ten amps for a quarter of an hour. */
@@ -123,7 +121,7 @@ void RecordingTest::without_a_log_readings_are_shown_but_not_recorded()
     bench.receive_after(90000.0, "12.30", "4.5", "O");
     station.data_log = log;
     QCOMPARE(station.phase, Phase(phase));
-    QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("12.3 V"));
+    QCOMPARE(bench.text("laVoltage"), QString("12.3 V"));
     QCOMPARE(station.charge_voltage_series.points.size(), charge_before);
     QCOMPARE(samples(station), discharge_before);
     QCOMPARE(bench.csv(), csv);
@@ -135,7 +133,7 @@ void RecordingTest::an_idle_station_shows_its_voltage()
     StationBench bench;
     bench.receive("41.27", "3.0", "O");
     QCOMPARE(bench.station->phase, PHASE_IDLE);
-    QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("41.3 V"));
+    QCOMPARE(bench.text("laVoltage"), QString("41.3 V"));
     QVERIFY(bench.station->charge_voltage_series.points.isEmpty());
     QVERIFY(bench.station->cycles.isEmpty());
     QCOMPARE(QDir(bench.folder.path()).entryList(QDir::Files), QStringList());

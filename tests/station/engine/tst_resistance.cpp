@@ -1,11 +1,8 @@
-#include "station/test_station.h"
-#include "support/station_bench.h"
+#include "resistance_steps.h"
 #include "support/test_program.h"
-#include "support/test_road.h"
 
 #include "device/kestrometer.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QtTest>
 
@@ -32,26 +29,6 @@ private slots:
     void a_load_that_stays_away_holds_the_recovery_without_end();
 };
 
-namespace
-{
-const QList<QPointF>& points_of(const StationBench& bench)
-{
-    return bench.station->current_cycle->internal_resistance.points;
-}
-
-/** Load off and on again: a resistance of 100 milliohms. */
-void complete_a_test(StationBench& bench)
-{
-    bench.receive("41.00", "0.0", "O");
-    bench.receive("40.00", "10.0", "D");
-}
-
-int tests_begun(StationBench& bench)
-{
-    return events(bench).filter("Switching to phase IR Test").size();
-}
-}  // namespace
-
 void ResistanceTest::a_good_test_gives_a_point_and_a_row()
 {
     StationBench bench;
@@ -77,7 +54,7 @@ void ResistanceTest::a_good_test_gives_a_point_and_a_row()
                           "IR = 14.000",
                           "Switching to phase Discharging because Finished recovering from IR "
                           "test"}));
-    QCOMPARE(bench.widget<QLabel>("laIntResistance")->text(), QString("14 m") + QChar(0x2126));
+    QCOMPARE(bench.text("laIntResistance"), QString("14 m") + QChar(0x2126));
 }
 
 void ResistanceTest::the_point_stands_at_the_end_of_the_wait()
@@ -109,8 +86,8 @@ void ResistanceTest::readings_are_frozen_while_the_load_is_away()
         QCOMPARE(instrument.valid_voltage, 40.0);
         QCOMPARE(instrument.current, 10.0);
         QCOMPARE(instrument.valid_current, 10.0);
-        QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("40.0 V"));
-        QCOMPARE(bench.widget<QLabel>("laCurrent")->text(), QString("10.00 A"));
+        QCOMPARE(bench.text("laVoltage"), QString("40.0 V"));
+        QCOMPARE(bench.text("laCurrent"), QString("10.00 A"));
     }
     QCOMPARE(bench.station->phase, PHASE_IR_RECOVERY);
     QCOMPARE(cycle.amp_hours, 4.0);
@@ -137,7 +114,7 @@ void ResistanceTest::the_line_that_ends_the_recovery_is_live()
     QCOMPARE(cycle.amp_hours, 0.5);
     QCOMPARE(cycle.watt_hours, 19.0);
     QCOMPARE(last_rows(bench).last(), QString("542.0,0.500,38.00,5.00"));
-    QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("38.0 V"));
+    QCOMPARE(bench.text("laVoltage"), QString("38.0 V"));
 }
 
 void ResistanceTest::no_rise_is_a_resistance_of_zero()
@@ -191,24 +168,21 @@ void ResistanceTest::the_numbers_of_a_botched_test_are_short_data()
     QTest::addColumn<QByteArray>("current");
     QTest::addColumn<QByteArray>("without_load");
     QTest::addColumn<QStringList>("texts");
-    QTest::newRow("no trailing zeros")
-        << QByteArray("40.50") << QByteArray("10.0") << QByteArray("40.00")
-        << QStringList{"botched IR test, open circuit voltage = 40 V, closed circuit voltage = "
-                       "40.5 V, I = 10 A, ir = -50 mOhm",
-                       "Switching to phase Recovering from IR Test because Completed IR Test, "
-                       "IR = -50.000"};
-    QTest::newRow("six digits")
-        << QByteArray("40.1234567") << QByteArray("3") << QByteArray("39.7654321")
-        << QStringList{"botched IR test, open circuit voltage = 39.7654 V, closed circuit voltage "
-                       "= 40.1235 V, I = 3 A, ir = -119.342 mOhm",
-                       "Switching to phase Recovering from IR Test because Completed IR Test, "
-                       "IR = -119.342"};
-    QTest::newRow("a large one")
-        << QByteArray("40.00") << QByteArray("0.00001") << QByteArray("20.00")
-        << QStringList{"botched IR test, open circuit voltage = 20 V, closed circuit voltage = "
-                       "40 V, I = 1e-05 A, ir = -2e+09 mOhm",
-                       "Switching to phase Recovering from IR Test because Completed IR Test, "
-                       "IR = -2000000000.000"};
+    add_row("no trailing zeros", QByteArray("40.50"), QByteArray("10.0"), QByteArray("40.00"),
+            QStringList{"botched IR test, open circuit voltage = 40 V, closed circuit voltage = "
+                        "40.5 V, I = 10 A, ir = -50 mOhm",
+                        "Switching to phase Recovering from IR Test because Completed IR Test, "
+                        "IR = -50.000"});
+    add_row("six digits", QByteArray("40.1234567"), QByteArray("3"), QByteArray("39.7654321"),
+            QStringList{"botched IR test, open circuit voltage = 39.7654 V, closed circuit voltage "
+                        "= 40.1235 V, I = 3 A, ir = -119.342 mOhm",
+                        "Switching to phase Recovering from IR Test because Completed IR Test, "
+                        "IR = -119.342"});
+    add_row("a large one", QByteArray("40.00"), QByteArray("0.00001"), QByteArray("20.00"),
+            QStringList{"botched IR test, open circuit voltage = 20 V, closed circuit voltage = "
+                        "40 V, I = 1e-05 A, ir = -2e+09 mOhm",
+                        "Switching to phase Recovering from IR Test because Completed IR Test, "
+                        "IR = -2000000000.000"});
 }
 
 void ResistanceTest::the_numbers_of_a_botched_test_are_short()
@@ -216,14 +190,13 @@ void ResistanceTest::the_numbers_of_a_botched_test_are_short()
     QFETCH(QByteArray, under_load);
     QFETCH(QByteArray, current);
     QFETCH(QByteArray, without_load);
-    QFETCH(QStringList, texts);
     StationBench bench;
     bring_to(bench, PHASE_DISCHARGING);
     bench.station->next_ir_check_ah = 0.0;
     bench.receive(under_load.constData(), current.constData(), "D");
     const int before = events(bench).size();
     bench.receive(without_load.constData(), "0.0", "O");
-    QCOMPARE(events(bench).mid(before), texts);
+    QTEST(events(bench).mid(before), "texts");
 }
 
 void ResistanceTest::a_test_without_current_has_no_finite_result_data()

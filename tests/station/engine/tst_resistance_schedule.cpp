@@ -1,7 +1,5 @@
-#include "station/test_station.h"
-#include "support/station_bench.h"
+#include "resistance_steps.h"
 #include "support/test_program.h"
-#include "support/test_road.h"
 
 #include <QCheckBox>
 #include <QtTest>
@@ -22,26 +20,6 @@ private slots:
     void unticking_measurement_leaves_the_schedule_alone();
     void low_voltage_on_the_starting_line_leaves_no_point();
 };
-
-namespace
-{
-const QList<QPointF>& points_of(const StationBench& bench)
-{
-    return bench.station->current_cycle->internal_resistance.points;
-}
-
-/** Load off and on again: a resistance of 100 milliohms. */
-void complete_a_test(StationBench& bench)
-{
-    bench.receive("41.00", "0.0", "O");
-    bench.receive("40.00", "10.0", "D");
-}
-
-int tests_begun(StationBench& bench)
-{
-    return events(bench).filter("Switching to phase IR Test").size();
-}
-}  // namespace
 
 void ResistanceScheduleTest::an_overshoot_is_caught_up_test_by_test()
 {

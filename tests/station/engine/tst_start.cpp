@@ -6,7 +6,6 @@
 #include "device/kestrometer.h"
 
 #include <QFile>
-#include <QLabel>
 #include <QPushButton>
 #include <QtTest>
 
@@ -49,10 +48,6 @@ QStringList asked(const StationBench& bench)
     return texts;
 }
 
-QStringList files_of(const StationBench& bench)
-{
-    return QDir(bench.folder.path()).entryList(QDir::Files);
-}
 }  // namespace
 
 void StartTest::only_what_is_doubtful_is_asked_data()
@@ -68,8 +63,7 @@ void StartTest::only_what_is_doubtful_is_asked_data()
     QTest::newRow("exactly a minute") << true << 19.0 << 60 << QStringList();
     QTest::newRow("just below a minute") << true << 19.0 << 59 << QStringList{CHARGE_TIME};
     QTest::newRow("no time") << true << 19.0 << 0 << QStringList{CHARGE_TIME};
-    QTest::newRow("three in a row")
-        << false << 0.0 << 0 << QStringList{SERIAL_NUMBER, CUTOFF, CHARGE_TIME};
+    add_row("three in a row", false, 0.0, 0, QStringList{SERIAL_NUMBER, CUTOFF, CHARGE_TIME});
 }
 
 void StartTest::only_what_is_doubtful_is_asked()
@@ -111,7 +105,6 @@ void StartTest::a_no_at_any_question_leaves_no_trace_data()
 void StartTest::a_no_at_any_question_leaves_no_trace()
 {
     QFETCH(int, yes);
-    QFETCH(QStringList, questions);
     StationBench bench;
     take_names(bench);
     bench.station->low_voltage_cutoff = 0.0;
@@ -120,12 +113,12 @@ void StartTest::a_no_at_any_question_leaves_no_trace()
         bench.answers.click(QMessageBox::Yes);
     bench.answers.click(QMessageBox::No);
     bench.press("pbStartSkip");
-    QCOMPARE(asked(bench), questions);
+    QTEST(asked(bench), "questions");
     QCOMPARE(bench.station->phase, PHASE_IDLE);
     QVERIFY(bench.station->data_log == nullptr && bench.station->text_log == nullptr);
     QVERIFY(!bench.station->serial_number_edited);
     QCOMPARE(bench.station->serial_number, QString("1042"));
-    QCOMPARE(files_of(bench), QStringList());
+    QCOMPARE(bench.files(), QStringList());
     QCOMPARE(bench.wire.commands(), QByteArray());
     QVERIFY(bench.widget<QPushButton>("pbStartSkip")->isEnabled());
     QVERIFY(bench.widget<QWidget>("leSerialNumber")->isEnabled());
@@ -147,7 +140,7 @@ void StartTest::a_closed_box_is_a_no()
     bench.press("pbStartSkip");
     QCOMPARE(asked(bench), QStringList{SERIAL_NUMBER});
     QCOMPARE(bench.station->phase, PHASE_IDLE);
-    QCOMPARE(files_of(bench), QStringList());
+    QCOMPARE(bench.files(), QStringList());
 }
 
 void StartTest::lines_are_shown_while_a_question_is_open()
@@ -156,7 +149,7 @@ void StartTest::lines_are_shown_while_a_question_is_open()
     take_names(bench);
     bench.answers.handle([&bench](QWidget* box) {
         bench.receive("41.27", "0.0", "O");
-        QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("41.3 V"));
+        QCOMPARE(bench.text("laVoltage"), QString("41.3 V"));
         static_cast<QMessageBox*>(box)->button(QMessageBox::Yes)->click();
     });
     bench.press("pbStartSkip");
@@ -204,16 +197,11 @@ void StartTest::bad_names_never_get_to_start_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("serial_number");
-    QTest::newRow("no name") << ""
-                             << "1042";
-    QTest::newRow("no serial number") << "Pack A"
-                                      << "";
-    QTest::newRow("a slash") << "Pack/A"
-                             << "1042";
-    QTest::newRow("a colon") << "Pack A"
-                             << "10:42";
-    QTest::newRow("a dot at the end") << "Pack A."
-                                      << "1042";
+    add_row("no name", "", "1042");
+    add_row("no serial number", "Pack A", "");
+    add_row("a slash", "Pack/A", "1042");
+    add_row("a colon", "Pack A", "10:42");
+    add_row("a dot at the end", "Pack A.", "1042");
 }
 
 void StartTest::bad_names_never_get_to_start()
@@ -224,7 +212,7 @@ void StartTest::bad_names_never_get_to_start()
     bench.start(name, serial_number);
     QVERIFY(!bench.widget<QPushButton>("pbStartSkip")->isEnabled());
     QCOMPARE(bench.station->phase, PHASE_IDLE);
-    QCOMPARE(files_of(bench), QStringList());
+    QCOMPARE(bench.files(), QStringList());
 }
 
 KEST_TEST(StartTest)

@@ -1,5 +1,6 @@
 #include "station/test_station.h"
 #include "support/ordinary_user.h"
+#include "support/log_loading.h"
 #include "support/station_bench.h"
 #include "support/test_files.h"
 #include "support/test_program.h"
@@ -11,7 +12,6 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
-#include <QRadioButton>
 #include <QtTest>
 
 /** Where a new test writes, beside what earlier tests have left there. */
@@ -47,28 +47,6 @@ const QByteArray HEADER = "Kestrometer Log\nBattery Name:  Pack A\nSerial Number
 const QByteArray FIRST_EVENT =
     "2020-04-03 09:15:00 Switching to phase Charging because User clicked 'Start'.\n";
 
-/** Answers the question about an earlier log. */
-void choose(StationBench& bench, const char* radio_button)
-{
-    bench.answers.handle([radio_button](QWidget* dialog) {
-        QTest::mouseClick(dialog->findChild<QRadioButton*>(radio_button), Qt::LeftButton,
-                          Qt::NoModifier, QPoint(8, 8));
-        QTest::mouseClick(dialog->findChild<QWidget*>("pbConfirm"), Qt::LeftButton);
-    });
-}
-
-QStringList errors_shown(const StationBench& bench)
-{
-    QStringList texts;
-    for (const SeenBox& box : bench.answers.seen)
-        texts += box.caption + ": " + box.text;
-    return texts;
-}
-
-QStringList files_of(const StationBench& bench)
-{
-    return QDir(bench.folder.path()).entryList({"*.csv", "*.txt"}, QDir::Files, QDir::Name);
-}
 }  // namespace
 
 void BeginLogTest::names_make_the_paths()
@@ -81,7 +59,7 @@ void BeginLogTest::names_make_the_paths()
     QVERIFY((bench.station->text_log->openMode() & QIODevice::Append) != 0);
     QVERIFY(bench.csv().startsWith(HEADER + "Charge Number:               1\n"));
     QCOMPARE(bench.txt(), FIRST_EVENT);
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
 }
 
 void BeginLogTest::opening_locks_what_identifies_the_test()
@@ -102,7 +80,7 @@ void BeginLogTest::an_event_log_alone_is_continued()
     bench.start();
     QCOMPARE(bench.txt(), "an earlier event\n" + FIRST_EVENT);
     QVERIFY(bench.csv().startsWith(HEADER));
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
 }
 
 void BeginLogTest::overwriting_begins_anew_data()
@@ -125,7 +103,7 @@ void BeginLogTest::overwriting_begins_anew()
     QVERIFY(bench.csv().startsWith(HEADER));
     QVERIFY(!bench.csv().contains('#'));
     QCOMPARE(bench.txt(), FIRST_EVENT);
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
 }
 
 void BeginLogTest::a_log_that_cannot_be_removed_is_written_over()
@@ -147,7 +125,7 @@ void BeginLogTest::a_log_that_cannot_be_removed_is_written_over()
     QVERIFY(log.startsWith(HEADER));
     QVERIFY(log.contains("Time (s),Voltage (V)\n###"));
     QCOMPARE(bench.txt(), "an earlier event\n" + FIRST_EVENT);
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QVERIFY(QFile::setPermissions(directory, QFile::Permissions(0x7000)));
 }
 
@@ -159,9 +137,10 @@ void BeginLogTest::a_suffix_takes_the_first_free_pair_data()
     QTest::newRow("data log taken") << QStringList{"Pack A_1042.csv", "Pack A_1042 (2).csv"} << 3;
     QTest::newRow("event log taken") << QStringList{"Pack A_1042.csv", "Pack A_1042 (2).txt"} << 3;
     QTest::newRow("a gap") << QStringList{"Pack A_1042.csv", "Pack A_1042 (3).csv"} << 2;
-    QTest::newRow("halves") << QStringList{"Pack A_1042.csv", "Pack A_1042 (2).csv",
-                                           "Pack A_1042 (3).txt", "Pack A_1042 (4).csv"}
-                            << 5;
+    add_row("halves",
+            QStringList{"Pack A_1042.csv", "Pack A_1042 (2).csv", "Pack A_1042 (3).txt",
+                        "Pack A_1042 (4).csv"},
+            5);
 }
 
 void BeginLogTest::a_suffix_takes_the_first_free_pair()
@@ -228,13 +207,13 @@ void BeginLogTest::without_a_choice_nothing_is_touched()
             dialog->close();
     });
     bench.start();
-    QCOMPARE(errors_shown(bench), QStringList("Error: Unable to create log file."));
+    QCOMPARE(bench.boxes(), QStringList("Error: Unable to create log file."));
     QCOMPARE(bench.station->phase, PHASE_IDLE);
     QVERIFY(bench.station->data_log == nullptr);
     QVERIFY(bench.station->text_log == nullptr);
     QCOMPARE(bench.station->serial_number, QString("1042"));
     QVERIFY(bench.widget<QLineEdit>("leSerialNumber")->isEnabled());
-    QCOMPARE(files_of(bench), QStringList({"Pack A_1042.csv", "Pack A_1042.txt"}));
+    QCOMPARE(bench.files(), QStringList({"Pack A_1042.csv", "Pack A_1042.txt"}));
     QCOMPARE(bench.file("Pack A_1042.csv"), QByteArray("earlier data"));
     QCOMPARE(bench.file("Pack A_1042.txt"), QByteArray("earlier events"));
 }
@@ -245,30 +224,25 @@ void BeginLogTest::files_that_cannot_be_opened_are_told_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QStringList>("left");
     const QStringList nothing;
-    QTest::newRow("below a file") << "file"
-                                  << "Pack A" << nothing;
-    QTest::newRow("vanished") << "no such directory"
-                              << "Pack A" << nothing;
+    add_row("below a file", "file", "Pack A", nothing);
+    add_row("vanished", "no such directory", "Pack A", nothing);
     QTest::newRow("name too long") << "." << QString(260, 'n') << nothing;
     // The data log has been opened by then.
-    QTest::newRow("event log is a directory") << "."
-                                              << "Taken" << QStringList("Taken_1042.csv");
+    add_row("event log is a directory", ".", "Taken", QStringList("Taken_1042.csv"));
 }
 
 void BeginLogTest::files_that_cannot_be_opened_are_told()
 {
     QFETCH(QString, directory);
     QFETCH(QString, name);
-    QFETCH(QStringList, left);
     StationBench bench;
     Settings::set_log_all_telemetry(true);
     QVERIFY(write_file(bench.path("file"), "a regular file"));
     QVERIFY(QDir().mkdir(bench.path("Taken_1042.txt")));
     bench.station->log_dir = bench.path(directory);
     bench.start(name, "1042");
-    QCOMPARE(errors_shown(bench),
-             QStringList({"Error: Could not open log file with write permission.",
-                          "Error: Unable to create log file."}));
+    QCOMPARE(bench.boxes(), QStringList({"Error: Could not open log file with write permission.",
+                                         "Error: Unable to create log file."}));
     QVERIFY(bench.station->data_log == nullptr);
     QVERIFY(bench.station->text_log == nullptr);
     QVERIFY(bench.instrument->telemetry_log == nullptr);
@@ -276,7 +250,7 @@ void BeginLogTest::files_that_cannot_be_opened_are_told()
     QCOMPARE(bench.station->serial_number, QString());
     for (const char* control : {"cbProfile", "pbDirectory", "leProfileName", "leSerialNumber"})
         QVERIFY2(bench.widget<QWidget>(control)->isEnabled(), control);
-    QCOMPARE(files_of(bench), left);
+    QTEST(bench.files(), "left");
     // The next try, in a place that exists, succeeds.
     bench.station->log_dir = bench.folder.path();
     bench.start("Pack B", "1");
@@ -294,9 +268,8 @@ void BeginLogTest::a_read_only_directory_is_told()
     QVERIFY(QFile::setPermissions(directory, QFile::ReadOwner | QFile::ExeOwner));
     bench.station->log_dir = directory;
     bench.start();
-    QCOMPARE(errors_shown(bench),
-             QStringList({"Error: Could not open log file with write permission.",
-                          "Error: Unable to create log file."}));
+    QCOMPARE(bench.boxes(), QStringList({"Error: Could not open log file with write permission.",
+                                         "Error: Unable to create log file."}));
     QVERIFY(QDir(directory).isEmpty());
 }
 
@@ -327,7 +300,7 @@ void BeginLogTest::logs_already_open_are_told_and_replaced()
     const QPointer<QFile> old_text_log = bench.station->text_log;
     bench.station->serial_number = "2";
     QVERIFY(bench.station->begin_log());
-    QCOMPARE(errors_shown(bench),
+    QCOMPARE(bench.boxes(),
              QStringList({"Failed Assumption: data log file already set in begin_log()",
                           "Failed Assumption: text log file already set in begin_log()"}));
     QVERIFY(old_data_log.isNull());
@@ -350,7 +323,7 @@ void BeginLogTest::a_line_under_the_failure_meets_no_closed_log()
         static_cast<QDialog*>(box)->reject();
     });
     QVERIFY(!bench.station->begin_log());
-    QCOMPARE(errors_shown(bench).last(),
+    QCOMPARE(bench.boxes().last(),
              QString("Error: Could not open log file with write permission."));
     QCOMPARE(bench.instrument->voltage, 41.52);
 }

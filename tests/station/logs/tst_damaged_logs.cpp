@@ -1,6 +1,6 @@
+#include "support/log_loading.h"
 #include "support/literal_log_reader.h"
 #include "support/read_log.h"
-#include "support/test_files.h"
 #include "support/test_program.h"
 
 #include <QElapsedTimer>
@@ -28,11 +28,6 @@ namespace
 {
 const char* const SAMPLES[] = {"current_one_cycle.csv", "current_two_cycles.csv",
                                "older_two_cycles.csv"};
-
-QByteArray sample(const char* name)
-{
-    return content_of(test_data(QString("logs/") + name));
-}
 
 /** Rows of discharges among whole lines: what stands in a section with more than two columns. */
 int whole_rows(const QByteArray& lines, char separator, const QByteArray& discharge)
@@ -105,8 +100,8 @@ QByteArray changed(QByteArray bytes, std::mt19937& random)
 void DamagedLogsTest::a_current_log_cut_anywhere_loads_its_whole_rows_or_nothing_data()
 {
     QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("one cycle") << sample("current_one_cycle.csv");
-    QTest::newRow("two cycles") << sample("current_two_cycles.csv");
+    QTest::newRow("one cycle") << sample_log("current_one_cycle.csv");
+    QTest::newRow("two cycles") << sample_log("current_two_cycles.csv");
 }
 
 void DamagedLogsTest::a_current_log_cut_anywhere_loads_its_whole_rows_or_nothing()
@@ -135,7 +130,7 @@ void DamagedLogsTest::a_current_log_cut_anywhere_loads_its_whole_rows_or_nothing
 
 void DamagedLogsTest::an_older_log_cut_anywhere_loads_its_whole_rows_or_nothing()
 {
-    const QByteArray bytes = sample("older_two_cycles.csv");
+    const QByteArray bytes = sample_log("older_two_cycles.csv");
     int loaded = 0;
     for (int length = 0; length <= bytes.size(); ++length) {
         const QByteArray prefix = bytes.left(length);
@@ -161,7 +156,7 @@ void DamagedLogsTest::a_changed_log_is_read_as_the_rules_say_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     for (const char* name : SAMPLES)
-        QTest::newRow(name) << sample(name);
+        QTest::newRow(name) << sample_log(name);
 }
 
 void DamagedLogsTest::a_changed_log_is_read_as_the_rules_say()
@@ -205,9 +200,9 @@ void DamagedLogsTest::a_file_that_is_no_log_is_refused_data()
     QTest::newRow("megabytes of colons") << current + QByteArray(megabytes, ':');
     QTest::newRow("megabytes of tabs") << "Test Parameters:\n" + QByteArray(megabytes, '\t');
     QTest::newRow("megabytes of underscores")
-        << sample("older_two_cycles.csv").replace("_15_2\n", QByteArray(megabytes, '_') + "\n");
+        << sample_log("older_two_cycles.csv").replace("_15_2\n", QByteArray(megabytes, '_') + "\n");
     QTest::newRow("megabytes of colons and blanks")
-        << sample("older_two_cycles.csv") + QByteArray(": ").repeated(megabytes / 2);
+        << sample_log("older_two_cycles.csv") + QByteArray(": ").repeated(megabytes / 2);
     QTest::newRow("a cycle number of megabytes")
         << current + "Charge Number: " + QByteArray(megabytes, '1') + "\n";
     QTest::newRow("a timestamp of megabytes")

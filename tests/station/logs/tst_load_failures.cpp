@@ -51,7 +51,7 @@ void LoadFailuresTest::a_path_without_a_dot_cannot_be_loaded()
     bench.answers.choose_path(path);
     bench.answers.click(QMessageBox::Ok);
     bench.press("pbLoadLog");
-    QCOMPARE(boxes_of(bench).last(),
+    QCOMPARE(bench.boxes().last(),
              "Error: Could not create new filename by changing extension of '" + path +
                  "' to '.txt'.");
     QVERIFY(in_start_state(*bench.station));
@@ -63,7 +63,7 @@ void LoadFailuresTest::the_last_dot_of_the_whole_path_counts()
     StationBench bench;
     QDir(bench.folder.path()).mkdir("logs.2020");
     load_log(bench, place_log(bench, "current_one_cycle.csv", "logs.2020/log"));
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.station->text_log->fileName(), bench.path("logs.txt"));
 
     load_log(bench, place_log(bench, "current_one_cycle.csv", "logs.2020/a.b.csv"));
@@ -99,7 +99,7 @@ void LoadFailuresTest::a_file_that_cannot_be_written_is_not_loaded()
     bench.answers.click(QMessageBox::Ok);
     bench.press("pbLoadLog");
     QFile::setPermissions(bench.path(protected_name), QFile::Permissions(0x7777));
-    QCOMPARE(boxes_of(bench), error(UNWRITABLE));
+    QCOMPARE(bench.boxes(), error(UNWRITABLE));
     QVERIFY(in_start_state(*bench.station));
     QCOMPARE(content_of(path), sample_log("current_one_cycle.csv"));
     // Without a data log no event log is begun.
@@ -139,7 +139,7 @@ void LoadFailuresTest::a_refused_log_leaves_the_start_state()
     });
     bench.press("pbLoadLog");
     QCOMPARE(int(bench.answers.seen.size()), 2);
-    QCOMPARE(boxes_of(bench).last(), QString("Error: ") + UNREADABLE);
+    QCOMPARE(bench.boxes().last(), QString("Error: ") + UNREADABLE);
     QVERIFY(in_start_state(*bench.station));
     QCOMPARE(bench.widget<QLineEdit>("leSerialNumber")->text(), QString());
 }
@@ -161,7 +161,7 @@ void LoadFailuresTest::a_log_cut_anywhere_loads_or_leaves_the_start_state()
             bench.answers.click(QMessageBox::Ok);
         bench.press("pbLoadLog");
         QCOMPARE(bench.answers.pending(), 0);
-        QCOMPARE(boxes_of(bench), readable ? QStringList() : error(UNREADABLE));
+        QCOMPARE(bench.boxes(), readable ? QStringList() : error(UNREADABLE));
         QCOMPARE(in_start_state(*bench.station), !readable);
         QCOMPARE(bench.station->data_log != nullptr, readable);
         QCOMPARE(content_of(path), prefix);
@@ -175,7 +175,7 @@ void LoadFailuresTest::a_refused_log_is_not_touched()
     const QByteArray bad = sample_log("current_one_cycle.csv") + "nonsense\n";
     write_file(bench.path("bad.csv"), bad);
     load_log(bench, bench.path("bad.csv"));
-    QCOMPARE(boxes_of(bench), error(UNREADABLE));
+    QCOMPARE(bench.boxes(), error(UNREADABLE));
     QCOMPARE(bench.file("bad.csv"), bad);
 }
 
@@ -185,7 +185,7 @@ void LoadFailuresTest::another_log_can_follow_a_refused_one()
     write_file(bench.path("bad.csv"), sample_log("current_two_cycles.csv") + "nonsense\n");
     load_log(bench, bench.path("bad.csv"));
     load_log(bench, place_log(bench, "current_one_cycle.csv", "a.csv"));
-    QCOMPARE(boxes_of(bench), error(UNREADABLE));
+    QCOMPARE(bench.boxes(), error(UNREADABLE));
     QCOMPARE(bench.station->cycles.size(), 1);
     QCOMPARE(bench.station->serial_number, QString("1042"));
 }
@@ -196,7 +196,7 @@ void LoadFailuresTest::a_folder_is_no_log()
     QDir(bench.folder.path()).mkdir("folder.csv");
     bench.answers.choose_path(bench.path("folder.csv"));
     bench.press("pbLoadLog");
-    QCOMPARE(boxes_of(bench), error(UNWRITABLE));
+    QCOMPARE(bench.boxes(), error(UNWRITABLE));
     QVERIFY(in_start_state(*bench.station));
 }
 

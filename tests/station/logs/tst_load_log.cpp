@@ -7,7 +7,6 @@
 #include <QComboBox>
 #include <QFile>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
@@ -52,7 +51,7 @@ void LoadLogTest::a_preview_shows_the_test_of_a_log()
     PreviewStation preview;
     preview.load(bench, place_log(bench, "current_one_cycle.csv", "a.csv"));
 
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     const TestStation& station = preview.station;
     QCOMPARE(station.profile_name, QString("Pack A"));
     QCOMPARE(station.serial_number, QString("1042"));
@@ -89,7 +88,7 @@ void LoadLogTest::a_preview_shows_a_log_of_the_older_generation()
     PreviewStation preview;
     preview.load(bench, place_log(bench, "older_two_cycles.csv", "old.csv"));
 
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(preview.station.cycles.size(), 2);
     QCOMPARE(preview.station.current_cycle, preview.station.cycles.last());
     QCOMPARE(preview.text("laCycleNumber"), QString("Cycle 2/3"));
@@ -102,7 +101,7 @@ void LoadLogTest::a_live_station_loads_and_can_start()
 {
     StationBench bench;
     load_log(bench, place_log(bench, "current_one_cycle.csv", "a.csv"));
-    QCOMPARE(bench.widget<QLabel>("laPhase")->text(), QString("Configure Test"));
+    QCOMPARE(bench.text("laPhase"), QString("Configure Test"));
     QVERIFY(bench.widget<QPushButton>("pbStartSkip")->isEnabled());
     QCOMPARE(bench.widget<QPushButton>("pbStartSkip")->text(), QString("Start"));
     QVERIFY(!bench.widget<QLineEdit>("leSerialNumber")->isEnabled());
@@ -150,7 +149,7 @@ void LoadLogTest::an_idle_station_asks_nothing()
 {
     StationBench bench;
     load_log(bench, QString());
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.answers.pending(), 0);
 }
 
@@ -240,7 +239,7 @@ void LoadLogTest::a_log_in_use_is_refused_and_the_dialog_returns()
     bench.answers.choose_path(used);
     bench.answers.click(QMessageBox::Ok);
     load_log(bench, free);
-    QCOMPARE(boxes_of(bench), error(IN_USE) + error(IN_USE));
+    QCOMPARE(bench.boxes(), error(IN_USE) + error(IN_USE));
     QCOMPARE(bench.answers.pending(), 0);
     QCOMPARE(bench.station->data_log->fileName(), free);
     QCOMPARE(bench.station->cycles.size(), 2);
@@ -269,11 +268,11 @@ void LoadLogTest::another_log_replaces_a_loaded_one()
     StationBench bench;
     load_log(bench, place_log(bench, "current_two_cycles.csv", "b.csv"));
     load_log(bench, place_log(bench, "current_one_cycle.csv", "a.csv"));
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.station->cycles.size(), 1);
     // What was in use is free again.
     load_log(bench, bench.path("b.csv"));
-    QCOMPARE(boxes_of(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.station->cycles.size(), 2);
 }
 

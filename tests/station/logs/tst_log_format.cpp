@@ -137,14 +137,10 @@ void LogFormatTest::the_file_header_takes_names_as_they_are_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("serial_number");
-    QTest::newRow("usual") << "Pack A"
-                           << "1042";
-    QTest::newRow("colons") << "Pack: A"
-                            << "10:42";
-    QTest::newRow("markers") << "%1 of %2"
-                             << "%1%%L1";
-    QTest::newRow("empty") << ""
-                           << "";
+    add_row("usual", "Pack A", "1042");
+    add_row("colons", "Pack: A", "10:42");
+    add_row("markers", "%1 of %2", "%1%%L1");
+    add_row("empty", "", "");
     QTest::newRow("letters of all kinds") << QString::fromUtf8("Bär 电池 🔋") << "Ω";
 }
 
@@ -297,8 +293,7 @@ void LogFormatTest::charge_rows()
 {
     QFETCH(double, time);
     QFETCH(double, voltage);
-    QFETCH(QString, row);
-    QCOMPARE(charge_row(time, voltage), row);
+    QTEST(charge_row(time, voltage), "row");
 }
 
 void LogFormatTest::discharge_rows_data()
@@ -310,10 +305,10 @@ void LogFormatTest::discharge_rows_data()
     QTest::newRow("tie of two decimals") << 0.125 << "0.1,0.125,0.13,0.13,0.125\n";
     QTest::newRow("below half an ohm's thousandth") << 0.0004 << "0.0,0.000,0.00,0.00,0.000\n";
     QTest::newRow("negative") << -0.014 << "-0.0,-0.014,-0.01,-0.01,-0.014\n";
-    QTest::newRow("huge") << 1e20
-                          << "100000000000000000000.0,100000000000000000000.000,"
-                             "100000000000000000000.00,100000000000000000000.00,"
-                             "100000000000000000000.000\n";
+    add_row("huge", 1e20,
+            "100000000000000000000.0,100000000000000000000.000,"
+            "100000000000000000000.00,100000000000000000000.00,"
+            "100000000000000000000.000\n");
     QTest::newRow("infinite") << INF << "inf,inf,inf,inf,inf\n";
     QTest::newRow("not a number") << NAN_VALUE << "nan,nan,nan,nan,nan\n";
 }
@@ -321,8 +316,7 @@ void LogFormatTest::discharge_rows_data()
 void LogFormatTest::discharge_rows()
 {
     QFETCH(double, value);
-    QFETCH(QString, row);
-    QCOMPARE(discharge_row(value, value, value, value, value), row);
+    QTEST(discharge_row(value, value, value, value, value), "row");
 }
 
 void LogFormatTest::a_resistance_of_exactly_zero_is_left_out_data()
@@ -339,8 +333,7 @@ void LogFormatTest::a_resistance_of_exactly_zero_is_left_out_data()
 void LogFormatTest::a_resistance_of_exactly_zero_is_left_out()
 {
     QFETCH(double, ohms);
-    QFETCH(QString, row);
-    QCOMPARE(discharge_row(1.0, 0.003, 40.97, 9.98, ohms), row);
+    QTEST(discharge_row(1.0, 0.003, 40.97, 9.98, ohms), "row");
 }
 
 void LogFormatTest::an_event_is_stamped()

@@ -1,12 +1,11 @@
 #include "station/test_station.h"
+#include "support/log_loading.h"
 #include "support/station_bench.h"
 #include "support/test_files.h"
 #include "support/test_program.h"
 
 #include "device/kestrometer.h"
 
-#include <QFile>
-#include <QRadioButton>
 #include <QtTest>
 
 /** A new test that goes on in an earlier log, or meets the log of a test that is running. */
@@ -53,21 +52,6 @@ const QByteArray EARLIER = "Kestrometer Log\n"
                            "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)\n"
                            "1.0,0.003,40.97,9.98\n";
 
-void choose(StationBench& bench, const char* radio_button)
-{
-    bench.answers.handle([radio_button](QWidget* dialog) {
-        dialog->findChild<QRadioButton*>(radio_button)->click();
-        QTest::mouseClick(dialog->findChild<QWidget*>("pbConfirm"), Qt::LeftButton);
-    });
-}
-
-QStringList errors_shown(const StationBench& bench)
-{
-    QStringList texts;
-    for (const SeenBox& box : bench.answers.seen)
-        texts += box.caption + ": " + box.text;
-    return texts;
-}
 }  // namespace
 
 void SharedLogTest::an_appended_log_goes_on()
@@ -78,7 +62,7 @@ void SharedLogTest::an_appended_log_goes_on()
     choose(bench, "rbAppend");
     bench.start();
     bench.receive("41.52", "1.0", "C");
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.csv(), EARLIER + "Charge Number:               2\n"
                                     "Timestamp:                   2020-04-03 09:15:00\n"
                                     "Max Charge Time (h):         8\n"
@@ -116,7 +100,7 @@ void SharedLogTest::a_log_cut_off_goes_on_in_a_line_of_its_own()
     QVERIFY(write_file(bench.path("Pack A_1042.csv"), log));
     choose(bench, "rbAppend");
     bench.start();
-    QCOMPARE(errors_shown(bench), QStringList());
+    QCOMPARE(bench.boxes(), QStringList());
     QCOMPARE(bench.csv().left(log.size()), log);
     QVERIFY(bench.csv().mid(log.size()).startsWith(line_end + "Charge Number:               2\n"));
 }
@@ -136,7 +120,7 @@ void SharedLogTest::a_log_that_cannot_be_read_is_left_as_it_is()
     QVERIFY(write_file(bench.path("Pack A_1042.csv"), content));
     choose(bench, "rbAppend");
     bench.start();
-    QCOMPARE(errors_shown(bench),
+    QCOMPARE(bench.boxes(),
              QStringList({"Error: Unable to read log file.", "Error: Unable to create log file."}));
     QCOMPARE(bench.file("Pack A_1042.csv"), content);
     QVERIFY(bench.station->data_log == nullptr);

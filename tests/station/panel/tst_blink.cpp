@@ -61,8 +61,7 @@ void BlinkTest::the_button_to_press_next_turns_red_data()
     for (int phase = PHASE_IDLE; phase <= PHASE_DONE; ++phase) {
         const bool waiting = phase == PHASE_IDLE || phase == PHASE_READY_FOR_DISCHARGE;
         QTest::newRow(qPrintable(QString("phase %1").arg(phase))) << phase << true << waiting;
-        QTest::newRow(qPrintable(QString("phase %1, disabled").arg(phase)))
-            << phase << false << false;
+        add_row(qPrintable(QString("phase %1, disabled").arg(phase)), phase, false, false);
     }
 }
 
@@ -149,11 +148,11 @@ void BlinkTest::the_status_shows_on_request()
     bench.station->slot_blink(false);
     QVERIFY(shows(bench, "laKestrometerStatus"));
     const QString line = "x\t41.52\t0.0\tx\tx\tID=7\tO";
-    QCOMPARE(bench.widget<QLabel>("laKestrometerStatus")->text(), "00s ago: " + line);
+    QCOMPARE(bench.text("laKestrometerStatus"), "00s ago: " + line);
     bench.clock.advance_seconds(2.0);
-    QCOMPARE(bench.widget<QLabel>("laKestrometerStatus")->text(), "00s ago: " + line);
+    QCOMPARE(bench.text("laKestrometerStatus"), "00s ago: " + line);
     bench.station->slot_blink(true);
-    QCOMPARE(bench.widget<QLabel>("laKestrometerStatus")->text(), "02s ago: " + line);
+    QCOMPARE(bench.text("laKestrometerStatus"), "02s ago: " + line);
     Settings::set_show_debug_info(false);
     bench.station->slot_blink(false);
     QVERIFY(!shows(bench, "laKestrometerStatus"));
@@ -164,7 +163,7 @@ void BlinkTest::the_status_shows_megabytes_as_far_as_a_screen_goes()
     StationBench bench;
     bench.station->kestrometer->last_data = QString(3000000, 'x');
     bench.station->slot_blink(true);
-    QCOMPARE(bench.widget<QLabel>("laKestrometerStatus")->text(),
+    QCOMPARE(bench.text("laKestrometerStatus"),
              bench.station->kestrometer->get_status().left(4000));
 }
 
@@ -201,7 +200,6 @@ void BlinkTest::silence_is_told_and_broken_data()
 void BlinkTest::silence_is_told_and_broken()
 {
     QFETCH(double, silence);
-    QFETCH(bool, told);
     QFETCH(bool, reset);
     StationBench bench;
     bench.start();
@@ -210,7 +208,7 @@ void BlinkTest::silence_is_told_and_broken()
     const QByteArray events = bench.txt();
     bench.clock.advance_seconds(silence);
     bench.station->slot_blink(true);
-    QCOMPARE(shows(bench, "laLostCommunication"), told);
+    QTEST(shows(bench, "laLostCommunication"), "told");
     QCOMPARE(bench.wire.commands(), reset ? RESET : QByteArray());
     const QByteArray line =
         bench.clock.now.toString("yyyy-MM-dd hh:mm:ss").toLatin1() +
@@ -313,12 +311,11 @@ void BlinkTest::a_discharge_without_current_is_told()
 {
     QFETCH(int, phase);
     QFETCH(double, current);
-    QFETCH(bool, told);
     StationBench bench;
     bench.station->phase = Phase(phase);
     bench.instrument->current = current;
     bench.station->slot_blink(true);
-    QCOMPARE(shows(bench, "laNotDischarging"), told);
+    QTEST(shows(bench, "laNotDischarging"), "told");
     QVERIFY(!shows(bench, "laNotCharging"));
 }
 

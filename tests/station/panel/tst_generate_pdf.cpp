@@ -106,12 +106,8 @@ void GeneratePdfTest::names_are_taken_as_they_are_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("serial_number");
     QTest::addColumn<QString>("file_name");
-    QTest::newRow("plain") << "Pack A"
-                           << "1042"
-                           << "Pack A_1042.pdf";
-    QTest::newRow("place markers") << "%1 %2"
-                                   << "%1"
-                                   << "%1 %2_%1.pdf";
+    add_row("plain", "Pack A", "1042", "Pack A_1042.pdf");
+    add_row("place markers", "%1 %2", "%1", "%1 %2_%1.pdf");
     QTest::newRow("Latin-1") << QString::fromUtf8("Zündakku") << QString::fromUtf8("Nº 7")
                              << QString::fromUtf8("Zündakku_Nº 7.pdf");
     QTest::newRow("beyond Latin-1") << QString::fromUtf8("Батарея") << QString::fromUtf8("№7")
@@ -158,14 +154,10 @@ void GeneratePdfTest::a_page_that_cannot_be_begun_is_passed_over_in_silence_data
 {
     QTest::addColumn<QString>("pdf_directory");
     QTest::addColumn<QString>("name");
-    QTest::newRow("a directory that is not there") << "gone"
-                                                   << "Pack A";
-    QTest::newRow("a file for a directory") << "Pack A_1042.csv"
-                                            << "Pack A";
-    QTest::newRow("a directory of the page's name") << "taken"
-                                                    << "Pack A";
-    QTest::newRow("a name with a directory") << "taken"
-                                             << "Packs/A";
+    add_row("a directory that is not there", "gone", "Pack A");
+    add_row("a file for a directory", "Pack A_1042.csv", "Pack A");
+    add_row("a directory of the page's name", "taken", "Pack A");
+    add_row("a name with a directory", "taken", "Packs/A");
 }
 
 void GeneratePdfTest::a_page_that_cannot_be_begun_is_passed_over_in_silence()

@@ -22,17 +22,13 @@ class PanelSetUpTest : public QObject
 
 private slots:
     void cleanup();
-    void a_live_panel_ends_like_this_data();
-    void a_live_panel_ends_like_this();
-    void a_preview_panel_ends_like_this_data();
-    void a_preview_panel_ends_like_this();
+    void a_panel_ends_like_this_data();
+    void a_panel_ends_like_this();
     void save_is_enabled_on_every_new_panel();
     void messages_that_show_at_first();
     void the_raw_status_shows_on_request_at_live_stations_only();
     void the_port_is_no_tooltip_once_there_is_help();
     void profiles_begin_with_the_placeholder();
-    void previews_are_numbered_and_numbers_not_reused();
-    void stations_are_listed_while_they_live();
     void lines_reach_the_panel();
     void logs_go_to_the_directory_of_the_settings();
     void a_long_directory_is_elided();
@@ -63,32 +59,6 @@ struct PreviewBench
     std::unique_ptr<TestStation> station;
 };
 
-void add_states(bool live)
-{
-    QTest::addColumn<bool>("enabled");
-    QTest::newRow("pbStartSkip") << false;
-    QTest::newRow("pbNewTest") << live;
-    QTest::newRow("pbLoadLog") << true;
-    QTest::newRow("pbGeneratePDF") << true;
-    QTest::newRow("pbExpandCollapse") << true;
-    QTest::newRow("pbClose") << true;
-    QTest::newRow("leSerialNumber") << live;
-    QTest::newRow("cbProfile") << true;
-    QTest::newRow("pbSaveProfile") << true;
-    QTest::newRow("pbDeleteProfile") << false;
-    QTest::newRow("leProfileName") << true;
-    QTest::newRow("pbDirectory") << true;
-    QTest::newRow("sbNumberOfCycles") << true;
-    QTest::newRow("leMaxChargeTime") << true;
-    QTest::newRow("leLowVoltageCutoff") << true;
-    QTest::newRow("leFinalCharge") << true;
-    QTest::newRow("cbPromptToDischarge") << true;
-    QTest::newRow("cbDetectFullCharge") << false;
-    QTest::newRow("cbMeasureInternalResistance") << true;
-    QTest::newRow("laInternalResistanceInterval") << true;
-    QTest::newRow("leInternalResistanceTestIntervalAh") << true;
-}
-
 QStringList messages_shown(const TestStation& station)
 {
     QStringList shown;
@@ -106,34 +76,49 @@ void PanelSetUpTest::cleanup()
     QLocale::setDefault(QLocale::c());
 }
 
-void PanelSetUpTest::a_live_panel_ends_like_this_data()
+void PanelSetUpTest::a_panel_ends_like_this_data()
 {
-    add_states(true);
+    QTest::addColumn<bool>("live");
+    QTest::newRow("live") << true;
+    QTest::newRow("preview") << false;
 }
 
-void PanelSetUpTest::a_live_panel_ends_like_this()
+void PanelSetUpTest::a_panel_ends_like_this()
 {
-    QFETCH(bool, enabled);
+    QFETCH(bool, live);
     StationBench bench;
-    QCOMPARE(bench.widget<QWidget>(QTest::currentDataTag())->isEnabled(), enabled);
-    QVERIFY(bench.widget<QCheckBox>("cbMeasureInternalResistance")->isChecked());
-    QVERIFY(!bench.widget<QCheckBox>("cbDetectFullCharge")->isChecked());
-    QVERIFY(!bench.widget<QCheckBox>("cbPromptToDischarge")->isChecked());
-    QVERIFY(!bench.widget<QWidget>("frDetails")->isHidden());
-}
-
-void PanelSetUpTest::a_preview_panel_ends_like_this_data()
-{
-    add_states(false);
-}
-
-void PanelSetUpTest::a_preview_panel_ends_like_this()
-{
-    QFETCH(bool, enabled);
-    PreviewBench bench;
-    QCOMPARE(bench.widget<QWidget>(QTest::currentDataTag())->isEnabled(), enabled);
-    QVERIFY(bench.widget<QCheckBox>("cbMeasureInternalResistance")->isChecked());
-    QVERIFY(bench.station->measure_internal_resistance);
+    PreviewBench preview;
+    const TestStation& station = live ? *bench.station : *preview.station;
+    QStringList disabled = {"pbStartSkip", "pbDeleteProfile", "cbDetectFullCharge"};
+    if (!live)
+        disabled += {"pbNewTest", "leSerialNumber"};
+    for (const char* name : {"pbStartSkip",
+                             "pbNewTest",
+                             "pbLoadLog",
+                             "pbGeneratePDF",
+                             "pbExpandCollapse",
+                             "pbClose",
+                             "leSerialNumber",
+                             "cbProfile",
+                             "pbSaveProfile",
+                             "pbDeleteProfile",
+                             "leProfileName",
+                             "pbDirectory",
+                             "sbNumberOfCycles",
+                             "leMaxChargeTime",
+                             "leLowVoltageCutoff",
+                             "leFinalCharge",
+                             "cbPromptToDischarge",
+                             "cbDetectFullCharge",
+                             "cbMeasureInternalResistance",
+                             "laInternalResistanceInterval",
+                             "leInternalResistanceTestIntervalAh"})
+        QVERIFY2(station.findChild<QWidget*>(name)->isEnabled() != disabled.contains(name), name);
+    QVERIFY(station.findChild<QCheckBox*>("cbMeasureInternalResistance")->isChecked());
+    QVERIFY(station.measure_internal_resistance);
+    QVERIFY(!station.findChild<QCheckBox*>("cbDetectFullCharge")->isChecked());
+    QVERIFY(!station.findChild<QCheckBox*>("cbPromptToDischarge")->isChecked());
+    QVERIFY(!station.findChild<QWidget*>("frDetails")->isHidden());
 }
 
 void PanelSetUpTest::save_is_enabled_on_every_new_panel()
@@ -177,38 +162,11 @@ void PanelSetUpTest::profiles_begin_with_the_placeholder()
     QCOMPARE(profiles->currentText(), QString("Select Profile..."));
 }
 
-void PanelSetUpTest::previews_are_numbered_and_numbers_not_reused()
-{
-    TestStation::num_previews = 0;
-    PreviewBench first;
-    auto second = std::make_unique<PreviewBench>();
-    QCOMPARE(first.widget<QLabel>("laStationID")->text(), QChar(0x2009) + QString("Preview 1"));
-    QCOMPARE(second->widget<QLabel>("laStationID")->text(), QChar(0x2009) + QString("Preview 2"));
-    second.reset();
-    StationBench live;
-    QCOMPARE(live.station->preview_number, 0);
-    PreviewBench third;
-    QCOMPARE(third.widget<QLabel>("laStationID")->text(), QChar(0x2009) + QString("Preview 3"));
-    QCOMPARE(third.station->preview_number, 3);
-}
-
-void PanelSetUpTest::stations_are_listed_while_they_live()
-{
-    QVERIFY(TestStation::all_instances.isEmpty());
-    {
-        StationBench live;
-        PreviewBench preview;
-        const QList<TestStation*> both = {live.station.get(), preview.station.get()};
-        QCOMPARE(TestStation::all_instances, both);
-    }
-    QVERIFY(TestStation::all_instances.isEmpty());
-}
-
 void PanelSetUpTest::lines_reach_the_panel()
 {
     StationBench bench;
     bench.receive("41.52", "0.0", "O");
-    QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("41.5 V"));
+    QCOMPARE(bench.text("laVoltage"), QString("41.5 V"));
 }
 
 void PanelSetUpTest::logs_go_to_the_directory_of_the_settings()
@@ -266,27 +224,17 @@ void PanelSetUpTest::what_can_be_typed_is_what_is_read_data()
     QTest::addColumn<QByteArray>("edit");
     QTest::addColumn<QString>("keys");
     QTest::addColumn<QString>("text");
-    QTest::newRow("a half") << QByteArray("leLowVoltageCutoff") << "0.5"
-                            << "0.5";
-    QTest::newRow("comma") << QByteArray("leLowVoltageCutoff") << "2,5"
-                           << "25";
-    QTest::newRow("thousands") << QByteArray("leMaxChargeTime") << "1,0"
-                               << "10";
-    QTest::newRow("too fine a time") << QByteArray("leMaxChargeTime") << "1.25"
-                                     << "1.2";
-    QTest::newRow("too fine a voltage") << QByteArray("leLowVoltageCutoff") << "1.2345"
-                                        << "1.234";
-    QTest::newRow("too fine an interval")
-        << QByteArray("leInternalResistanceTestIntervalAh") << "0.55"
-        << "0.5";
-    QTest::newRow("negative") << QByteArray("leLowVoltageCutoff") << "-3"
-                              << "3";
-    QTest::newRow("letters") << QByteArray("leMaxChargeTime") << "1h"
-                             << "1";
-    QTest::newRow("not a number") << QByteArray("leMaxChargeTime") << "nan"
-                                  << "";
-    QTest::newRow("anything goes") << QByteArray("leFinalCharge") << "3,7V"
-                                   << "3,7V";
+    add_row("a half", QByteArray("leLowVoltageCutoff"), "0.5", "0.5");
+    add_row("comma", QByteArray("leLowVoltageCutoff"), "2,5", "25");
+    add_row("thousands", QByteArray("leMaxChargeTime"), "1,0", "10");
+    add_row("too fine a time", QByteArray("leMaxChargeTime"), "1.25", "1.2");
+    add_row("too fine a voltage", QByteArray("leLowVoltageCutoff"), "1.2345", "1.234");
+    add_row("too fine an interval", QByteArray("leInternalResistanceTestIntervalAh"), "0.55",
+            "0.5");
+    add_row("negative", QByteArray("leLowVoltageCutoff"), "-3", "3");
+    add_row("letters", QByteArray("leMaxChargeTime"), "1h", "1");
+    add_row("not a number", QByteArray("leMaxChargeTime"), "nan", "");
+    add_row("anything goes", QByteArray("leFinalCharge"), "3,7V", "3,7V");
 }
 
 void PanelSetUpTest::what_can_be_typed_is_what_is_read()

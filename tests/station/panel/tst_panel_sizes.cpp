@@ -197,14 +197,13 @@ void PanelSizesTest::the_summary_is_a_fifth_larger_data()
 void PanelSizesTest::the_summary_is_a_fifth_larger()
 {
     QFETCH(int, points);
-    QFETCH(int, larger);
     use_font_of(points);
     StationBench bench;
     const QFont reference = bench.widget<QLabel>("laNotCharging")->font();
     QCOMPARE(reference.pointSize(), points);
     for (const char* name : SUMMARY) {
         const QFont font = bench.widget<QLabel>(name)->font();
-        QCOMPARE(font.pointSize(), larger);
+        QTEST(font.pointSize(), "larger");
         QCOMPARE(font.family(), reference.family());
         QVERIFY(!font.bold());
     }

@@ -41,16 +41,10 @@ bool is_deletion_question(const SeenBox& box, const QString& name)
                        QString("Do you really want to delete the profile '%1'?").arg(name));
 }
 
-bool is_box(const SeenBox& box, QMessageBox::Icon icon, const QString& caption, const QString& text)
-{
-    return box.caption == caption && box.text == text && box.icon == icon &&
-           box.buttons == QMessageBox::Ok && !box.has_parent;
-}
-
 bool is_notice_of(const SeenBox& box, const QString& name)
 {
-    return is_box(box, QMessageBox::Information, "Notice",
-                  QString("The profile '%1' has been deleted.").arg(name));
+    return is_message(box, QMessageBox::Information, "Notice",
+                      QString("The profile '%1' has been deleted.").arg(name));
 }
 
 /** Three stations: the bench's own, and two previews beside it. */
@@ -87,13 +81,6 @@ struct ThreeStations
                listed_profiles(third) == names;
     }
 
-    void delete_selected()
-    {
-        bench.answers.click(QMessageBox::Yes);
-        bench.answers.click(QMessageBox::Ok);
-        bench.press("pbDeleteProfile");
-    }
-
     ProfileBench bench;
     TestStation second{nullptr, nullptr};
     TestStation third{nullptr, nullptr};
@@ -115,8 +102,7 @@ void ProfileDeletionTest::a_profile_must_be_selected_first()
     bench.choose_profile(PLACEHOLDER);
     bench.press("pbDeleteProfile");
     QCOMPARE(bench.answers.seen.size(), size_t(1));
-    QVERIFY(is_box(bench.answers.seen[0], QMessageBox::Warning, "Error",
-                   "You must select a profile before it can be deleted."));
+    QVERIFY(is_error(bench.answers.seen[0], "You must select a profile before it can be deleted."));
     QCOMPARE(BatteryProfiles::profiles.size(), 3);
     QVERIFY(bench.delete_enabled());
 }
@@ -149,9 +135,7 @@ void ProfileDeletionTest::a_deleted_profile_leaves_memory_file_and_box()
     bench.choose_profile("pack b");
     bench.type("leSerialNumber", "B-9");
     const QString before = parameters_of(*bench.station);
-    bench.answers.click(QMessageBox::Yes);
-    bench.answers.click(QMessageBox::Ok);
-    bench.press("pbDeleteProfile");
+    bench.delete_profile();
     QCOMPARE(bench.answers.seen.size(), size_t(2));
     QVERIFY(is_deletion_question(bench.answers.seen[0], "pack b"));
     QVERIFY(is_notice_of(bench.answers.seen[1], "pack b"));
@@ -186,8 +170,7 @@ void ProfileDeletionTest::a_lost_profile_leaves_the_boxes_after_an_error()
     bench.press("pbDeleteProfile");
     const bool yes = answer == QMessageBox::Yes;
     QCOMPARE(bench.answers.seen.size(), size_t(yes ? 3 : 2));
-    QVERIFY(is_box(bench.answers.seen[0], QMessageBox::Warning, "Error",
-                   "Cannot find profile 'Pack A' to delete it."));
+    QVERIFY(is_error(bench.answers.seen[0], "Cannot find profile 'Pack A' to delete it."));
     QVERIFY(is_deletion_question(bench.answers.seen[1], "Pack A"));
     QCOMPARE(listed_profiles(*bench.station).contains("Pack A"), !yes);
     QCOMPARE(selected_profile(*bench.station), yes ? PLACEHOLDER : QString("Pack A"));
@@ -199,9 +182,7 @@ void ProfileDeletionTest::the_last_profile_leaves_an_empty_file()
 {
     ProfileBench bench(FIRST_PROFILE_FILE);
     bench.choose_profile("Sample Profile");
-    bench.answers.click(QMessageBox::Yes);
-    bench.answers.click(QMessageBox::Ok);
-    bench.press("pbDeleteProfile");
+    bench.delete_profile();
     QCOMPARE(profile_file_content(), QByteArray());
     // The next start finds a file, and so makes no sample.
     QVERIFY(BatteryProfiles::load());
@@ -215,9 +196,7 @@ void ProfileDeletionTest::a_delete_that_cannot_be_written_counts_in_memory()
     bench.choose_profile("Pack A");
     QVERIFY(QFile::remove(BatteryProfiles::get_filename()));
     QVERIFY(QDir().mkdir(BatteryProfiles::get_filename()));
-    bench.answers.click(QMessageBox::Yes);
-    bench.answers.click(QMessageBox::Ok);
-    bench.press("pbDeleteProfile");
+    bench.delete_profile();
     QVERIFY(QDir().rmdir(BatteryProfiles::get_filename()));
     QCOMPARE(bench.answers.seen.size(), size_t(2));
     QVERIFY(is_notice_of(bench.answers.seen[1], "Pack A"));
@@ -259,7 +238,7 @@ void ProfileDeletionTest::a_deletion_turns_the_other_boxes_back()
     all.choose("Pack A", "Pack A", "Pack A");
     edit_final_voltage(all.second, "99");
     const QStringList before = all.others();
-    all.delete_selected();
+    all.bench.delete_profile();
     QCOMPARE(all.selected(), QStringList({PLACEHOLDER, PLACEHOLDER, PLACEHOLDER}));
     QVERIFY(all.all_list({PLACEHOLDER, "pack b", "Plain"}));
     QCOMPARE(all.others(), before);
@@ -276,7 +255,7 @@ void ProfileDeletionTest::a_deletion_leaves_other_selections_and_edits()
     all.third.serial_number = "typed";
     all.third.serial_number_edited = true;
     const QStringList before = all.others();
-    all.delete_selected();
+    all.bench.delete_profile();
     QCOMPARE(all.bench.answers.seen.size(), size_t(2));
     QCOMPARE(all.selected(), QStringList({PLACEHOLDER, "pack b", "Plain"}));
     QCOMPARE(all.others(), before);

@@ -180,7 +180,6 @@ void ProfilesTest::the_two_check_boxes_cross()
     QFETCH(bool, prompt_box_before);
     QFETCH(bool, detect);
     QFETCH(bool, prompt);
-    QFETCH(bool, prompt_after);
     ProfileBench bench("[Pack]\n");
     BatteryProfile* pack = BatteryProfiles::profiles.value("Pack");
     pack->detect_full_charge = detect;
@@ -190,7 +189,7 @@ void ProfilesTest::the_two_check_boxes_cross()
     QCOMPARE(bench.station->detect_full_charge, detect);
     QCOMPARE(bench.widget<QCheckBox>("cbDetectFullCharge")->isChecked(), detect);
     QCOMPARE(bench.widget<QCheckBox>("cbPromptToDischarge")->isChecked(), detect);
-    QCOMPARE(bench.station->prompt_to_discharge, prompt_after);
+    QTEST(bench.station->prompt_to_discharge, "prompt_after");
     // The profile itself does not follow.
     QCOMPARE(pack->prompt_to_discharge, prompt);
     QVERIFY(!bench.save_enabled());
@@ -212,16 +211,11 @@ void ProfilesTest::a_typed_number_that_holds_the_template_stays_data()
 {
     QTest::addColumn<QString>("profile");
     QTest::addColumn<QString>("number");
-    QTest::newRow("at its begin") << "Pack A"
-                                  << "A-123";
-    QTest::newRow("alone") << "Pack A"
-                           << "A-";
-    QTest::newRow("in its middle") << "Pack A"
-                                   << "XA-1";
-    QTest::newRow("an empty template is in every number") << "Plain"
-                                                          << "123";
-    QTest::newRow("also in an empty one") << "Plain"
-                                          << "";
+    add_row("at its begin", "Pack A", "A-123");
+    add_row("alone", "Pack A", "A-");
+    add_row("in its middle", "Pack A", "XA-1");
+    add_row("an empty template is in every number", "Plain", "123");
+    add_row("also in an empty one", "Plain", "");
 }
 
 void ProfilesTest::a_typed_number_that_holds_the_template_stays()
@@ -292,7 +286,7 @@ void ProfilesTest::lines_count_while_the_question_is_open()
         static_cast<QMessageBox*>(box)->button(QMessageBox::Yes)->click();
     });
     bench.choose_profile("Pack A");
-    QCOMPARE(bench.widget<QLabel>("laVoltage")->text(), QString("39.0 V"));
+    QCOMPARE(bench.text("laVoltage"), QString("39.0 V"));
     QCOMPARE(bench.station->serial_number, QString("A-"));
 }
 

@@ -19,7 +19,6 @@ private slots:
     void lines_show_what_a_full_refresh_would();
     void a_line_shows_whatever_has_changed_before_it_data();
     void a_line_shows_whatever_has_changed_before_it();
-    void current_and_charge_time_take_each_others_place();
     void a_missing_help_is_told_at_every_line();
 };
 
@@ -116,24 +115,6 @@ void ReadoutsTest::a_line_shows_whatever_has_changed_before_it()
     QVERIFY(after != before);
     bench.station->update_ui();
     QCOMPARE(after, panel_of(bench));
-}
-
-void ReadoutsTest::current_and_charge_time_take_each_others_place()
-{
-    StationBench bench;
-    begin_discharge(bench);
-    const auto* label = bench.widget<QLabel>("laCurrent");
-    for (int i = 0; i < 2; ++i) {
-        QCOMPARE(label->text(), QString("9.98 A"));
-        QCOMPARE(label->toolTip(), "<qt>" + ToolTips::tooltips.value(57) + "</qt>");
-        bench.station->phase = PHASE_CHARGING;
-        bench.station->leg_start_time = bench.clock.now;
-        bench.receive_after(0.0, "41.52", "9.98", "C");
-        QCOMPARE(label->text(), QString("00s"));
-        QCOMPARE(label->toolTip(), "<qt>" + ToolTips::tooltips.value(58) + "</qt>");
-        bench.station->phase = PHASE_DISCHARGING;
-        bench.receive_after(0.0, "41.52", "9.98", "D");
-    }
 }
 
 void ReadoutsTest::a_missing_help_is_told_at_every_line()

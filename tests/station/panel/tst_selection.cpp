@@ -110,13 +110,11 @@ private slots:
     void each_item_bears_its_colours();
     void a_choice_colours_box_panel_and_curves_data();
     void a_choice_colours_box_panel_and_curves();
-    void a_new_cycle_takes_the_present_colour();
     void a_choice_asks_for_a_repaint();
     void a_changed_identity_relabels_and_keeps_the_choice();
     void a_changed_identity_runs_through_every_choice_on_the_way();
     void a_box_without_a_choice_is_survived();
     void a_preview_has_its_own_name_on_the_items();
-    void the_brightness_decides_about_the_text();
 
     void all_boxes_share_one_delegate();
     void an_item_keeps_its_colour_under_the_highlight_data();
@@ -247,15 +245,6 @@ void SelectionTest::a_choice_colours_box_panel_and_curves()
     }
 }
 
-void SelectionTest::a_new_cycle_takes_the_present_colour()
-{
-    StationBench bench;
-    bench.station->color_combobox.setCurrentIndex(6);
-    begin_two_cycles(bench);
-    for (const TestCycle* cycle : qAsConst(bench.station->cycles))
-        QCOMPARE(cycle->internal_resistance.pen, QPen(Colors::blue));
-}
-
 void SelectionTest::a_choice_asks_for_a_repaint()
 {
     StationBench bench;
@@ -320,13 +309,6 @@ void SelectionTest::a_preview_has_its_own_name_on_the_items()
     const TestStation preview(nullptr, nullptr);
     QCOMPARE(item_texts(preview.color_combobox).value(8), QString("Preview 1"));
     QCOMPARE(preview.color_combobox.currentIndex(), 0);
-}
-
-void SelectionTest::the_brightness_decides_about_the_text()
-{
-    const int expected[] = {0, 58, 127, 163, 247, 109, 76, 93, 136};
-    for (int i = 0; i < 9; ++i)
-        QCOMPARE(grayscale_value(Colors::resistor_color_code[i]), expected[i]);
 }
 
 void SelectionTest::all_boxes_share_one_delegate()
