@@ -32,7 +32,9 @@ void turn_wheel_over(QWidget* widget)
     const QPoint at = widget->mapTo(window, widget->rect().center());
     QWheelEvent notch(at, window->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(window->windowHandle(), &notch);
+    // As if it came from the system: such a wheel can also give the focus.
+    QSpontaneKeyEvent::setSpontaneous(&notch);
+    qApp->notify(window->windowHandle(), &notch);
 }
 
 QString value_of(const QWidget* box)

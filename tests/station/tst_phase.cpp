@@ -89,7 +89,6 @@ void PhaseTest::a_failed_comparison_names_the_values_data()
     row(Off, "Off");
     row(Discharging, "Discharging");
     row(Unknown, "Unknown");
-    row(KestrometerState(4), "KestrometerState(4)");
 }
 
 void PhaseTest::a_failed_comparison_names_the_values()

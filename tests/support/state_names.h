@@ -5,7 +5,7 @@
 
 // What a failed comparison calls the two values; found beside the types, so in every test alike.
 
-/** "PHASE_DISCHARGING", or "Phase(99)". To be freed by delete[]. */
+/** "PHASE_DISCHARGING", or "Phase(11)". To be freed by delete[]. */
 char* toString(const Phase& phase);
-/** "Charging", or "KestrometerState(99)". To be freed by delete[]. */
+/** "Charging". To be freed by delete[]. */
 char* toString(const KestrometerState& state);

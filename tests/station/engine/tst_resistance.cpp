@@ -190,13 +190,14 @@ void ResistanceTest::the_numbers_of_a_botched_test_are_short()
     QFETCH(QByteArray, under_load);
     QFETCH(QByteArray, current);
     QFETCH(QByteArray, without_load);
+    QFETCH(QStringList, texts);
     StationBench bench;
     bring_to(bench, PHASE_DISCHARGING);
     bench.station->next_ir_check_ah = 0.0;
     bench.receive(under_load.constData(), current.constData(), "D");
     const int before = events(bench).size();
     bench.receive(without_load.constData(), "0.0", "O");
-    QTEST(events(bench).mid(before), "texts");
+    QCOMPARE(events(bench).mid(before), texts);
 }
 
 void ResistanceTest::a_test_without_current_has_no_finite_result_data()
