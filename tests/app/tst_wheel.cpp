@@ -76,10 +76,14 @@ struct CrowdedWindow : WindowBench
         return window->findChild<QScrollArea*>("scrollArea")->verticalScrollBar();
     }
 
+    /** Of the panel at the top, or of the window. */
     QWidget* box(const QString& name) const
     {
         TestStation* first = TestStation::all_instances.first();
-        return name == "color" ? &first->color_combobox : window->findChild<QWidget*>(name);
+        if (name == "color")
+            return &first->color_combobox;
+        auto* box = first->findChild<QWidget*>(name);
+        return box != nullptr ? box : window->findChild<QWidget*>(name);
     }
 };
 
