@@ -192,7 +192,8 @@ QString BatteryProfiles::get_filename()
 bool BatteryProfiles::load()
 {
     QFile file(get_filename());
-    if (!file.exists()) {
+    // Asked by its name on purpose: the object's own exists() takes a link for its target.
+    if (!QFile::exists(file.fileName())) {
         insert(sample_profile());
         save();
         return true;
@@ -210,7 +211,6 @@ bool BatteryProfiles::load()
 bool BatteryProfiles::read(QIODevice& device, Refusal& refusal)
 {
     QTextStream stream(&device);
-    stream.setAutoDetectUnicode(false);
     BatteryProfile* current = nullptr;
     QString line;
     for (int number = 1; stream.readLineInto(&line); ++number) {

@@ -7,6 +7,7 @@
 #include "support/test_files.h"
 #include "support/test_program.h"
 
+#include <QTextCodec>
 #include <QtTest>
 
 #include <limits>
@@ -23,6 +24,7 @@ private slots:
     void a_new_record_has_its_defaults();
     void a_first_run_makes_the_sample();
     void a_first_run_that_cannot_write_has_the_sample_in_memory();
+    void a_link_to_nothing_is_no_file_yet();
     void a_written_file_comes_back_whole();
     void a_file_without_a_header_loads_nothing_data();
     void a_file_without_a_header_loads_nothing();
@@ -38,6 +40,8 @@ private slots:
     void a_second_load_replaces_and_adds();
     void lines_may_end_in_any_way_data();
     void lines_may_end_in_any_way();
+    void a_file_in_utf_16_is_read_by_its_mark_data();
+    void a_file_in_utf_16_is_read_by_its_mark();
     void an_unreadable_file_is_refused();
     void a_directory_of_that_name_is_refused();
 
@@ -105,6 +109,17 @@ void BatteryProfilesTest::a_first_run_that_cannot_write_has_the_sample_in_memory
     QVERIFY(!QFile::exists(BatteryProfiles::get_filename()));
     QCOMPARE(profile_text("Sample Profile"),
              QString("Sample Profile|SP000|1|21600|30|36|no|no|yes|2|no"));
+}
+
+void BatteryProfilesTest::a_link_to_nothing_is_no_file_yet()
+{
+    QVERIFY(QDir().mkpath(home->directory));
+    const QString target = home->directory + "/elsewhere.txt";
+    QVERIFY(QFile::link(target, BatteryProfiles::get_filename()));
+    QVERIFY(BatteryProfiles::load());
+    QCOMPARE(BatteryProfiles::profiles.keys(), QStringList("Sample Profile"));
+    QCOMPARE(content_of(target), FIRST_PROFILE_FILE);
+    QCOMPARE(QFile::symLinkTarget(BatteryProfiles::get_filename()), target);
 }
 
 void BatteryProfilesTest::a_written_file_comes_back_whole()
@@ -357,6 +372,27 @@ void BatteryProfilesTest::lines_may_end_in_any_way()
     QVERIFY(put_profile_file(content));
     QVERIFY(BatteryProfiles::load());
     QCOMPARE(profile_text("Pack"), pack_with(2, "2"));
+}
+
+void BatteryProfilesTest::a_file_in_utf_16_is_read_by_its_mark_data()
+{
+    QTest::addColumn<QByteArray>("codec");
+    QTest::newRow("low byte first") << QByteArray("UTF-16LE");
+    QTest::newRow("high byte first") << QByteArray("UTF-16BE");
+}
+
+void BatteryProfilesTest::a_file_in_utf_16_is_read_by_its_mark()
+{
+    QFETCH(QByteArray, codec);
+    const QString text =
+        QChar(QChar::ByteOrderMark) + QString::fromUtf8("[Ω 電池]\r\nnumber_of_cycles=2\r\n");
+    const std::unique_ptr<QTextEncoder> encoder(
+        QTextCodec::codecForName(codec)->makeEncoder(QTextCodec::IgnoreHeader));
+    QVERIFY(put_profile_file(encoder->fromUnicode(text)));
+    QVERIFY(BatteryProfiles::load());
+    const QString name = QString::fromUtf8("Ω 電池");
+    QCOMPARE(BatteryProfiles::profiles.keys(), QStringList(name));
+    QCOMPARE(profile_text(name), name + "||2|10800|0|0|no|no|yes|0.5|yes");
 }
 
 void BatteryProfilesTest::an_unreadable_file_is_refused()
