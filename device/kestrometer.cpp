@@ -4,6 +4,7 @@
 #include "common/date_time.h"
 #include "common/message_boxes.h"
 #include "common/time_span.h"
+#include "device/off_at_exit.h"
 #include "device/raw_traffic.h"
 #include "device/telemetry_line.h"
 
@@ -51,7 +52,12 @@ Kestrometer::Kestrometer(const QString& port_name)
             Qt::QueuedConnection);
     port.setPortName(port_name);
     port.setBaudRate(QSerialPort::Baud9600, QSerialPort::AllDirections);
-    port.open(QIODevice::ReadWrite);
+    if (!port.open(QIODevice::ReadWrite))
+        return;
+    const int line = port.handle();
+    command_off_at_exit(line);
+    // Its number by heart: when the port tells that it closes, it no longer knows.
+    connect(&port, &QSerialPort::aboutToClose, this, [line] { forget_at_exit(line); });
 }
 
 Kestrometer::~Kestrometer()

@@ -3,6 +3,7 @@
 #include "demo/demo_options.h"
 
 #include "app/termination_signals.h"
+#include "app/wayland_end.h"
 #include "common/console.h"
 
 #include <QApplication>
@@ -23,6 +24,7 @@ int run_demo(int argc, char** argv, const DemoOptions& options)
 {
     QApplication application(argc, argv);
     close_on_termination_signals(application);
+    command_off_at_the_end_of_wayland();
     // Settings and logs of the demo stay apart from those of the real program.
     QApplication::setApplicationName("kest-demo");
     Demo demo(options);
