@@ -371,6 +371,8 @@ void SelectionGridTest::a_refresh_paints_a_tick_only_if_it_changes()
     ChartWindow bench;
     TestStation* station = bench.add_station(1);
     TestCycle* cycle = bench.add_cycle(station, CURVE);
+    // Wide enough for panel and ticks in any font: what is not seen is not painted.
+    bench.window->resize(3000, 1000);
     bench.window->slot_refresh_charts();
     bench.settle();
     station->all_cycles_checkbox.installEventFilter(&counter);
