@@ -1,7 +1,5 @@
 #include "charts/plot_text.h"
 
-#include "charts/text_shapes.h"
-
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -34,20 +32,14 @@ void plot_text(QPainter* painter, const QString& text, int rotation, int horizon
     painter->translate(x, y);
     painter->rotate(-rotation);
 
-    const ShapedText* const shaped = TextShapes::of_all_charts().find(*painter, text);
-    const QRect bounds =
-        shaped != nullptr ? shaped->bounds : painter->fontMetrics().boundingRect(text);
+    const QRect bounds = painter->fontMetrics().boundingRect(text);
     const double dx =
         offset(horizontal_alignment, Qt::AlignHCenter, Qt::AlignRight, bounds.width());
     const double dy =
         offset(vertical_alignment, Qt::AlignVCenter, Qt::AlignBottom, bounds.height());
     if (opaque)
         painter->drawRect(opaque_box(dx, dy, bounds));
-    const QPointF start(dx, dy - bounds.top());
-    if (shaped != nullptr)
-        painter->drawStaticText(start - QPointF(0.0, shaped->ascent), shaped->glyphs);
-    else
-        painter->drawText(start, text);
+    painter->drawText(QPointF(dx, dy - bounds.top()), text);
 
     painter->restore();
 }

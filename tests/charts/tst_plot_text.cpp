@@ -6,7 +6,17 @@
 #include <QPainter>
 #include <QtTest>
 
-#include <limits>
+/** How a text is drawn: in which font, turned by how much, on how fine a device, how much enlarged. */
+struct Look
+{
+    QFont font = QFont("Helvetica", 8);
+    int rotation = 0;
+    double device_pixel_ratio = 1.0;
+    int dots_per_meter = 3780;
+    double zoom = 1.0;
+};
+
+Q_DECLARE_METATYPE(Look)
 
 class PlotTextTest : public QObject
 {
@@ -18,6 +28,8 @@ private slots:
     void the_opaque_box_reaches_a_pixel_beyond_the_text_data();
     void the_opaque_box_reaches_a_pixel_beyond_the_text();
     void rotation_is_counter_clockwise_about_the_anchor();
+    void texts_look_as_when_drawn_without_a_detour_data();
+    void texts_look_as_when_drawn_without_a_detour();
     void the_painter_is_left_as_it_was();
     void far_away_anchors_draw_nothing_and_end_data();
     void far_away_anchors_draw_nothing_and_end();
@@ -38,6 +50,21 @@ QString odd_text(const QFontMetrics& metrics)
 QString at(double x, double y, const QString& text)
 {
     return QString("%1,%2 %3").arg(x).arg(y).arg(text);
+}
+
+template <typename Draw> QImage drawn(const Look& look, Draw draw)
+{
+    QImage image(QSize(300, 150) * look.device_pixel_ratio, QImage::Format_ARGB32_Premultiplied);
+    image.setDotsPerMeterX(look.dots_per_meter);
+    image.setDotsPerMeterY(look.dots_per_meter);
+    image.setDevicePixelRatio(look.device_pixel_ratio);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.scale(look.zoom, look.zoom);
+    painter.setFont(look.font);
+    painter.setPen(QColor(200, 0, 40));
+    draw(painter);
+    return image;
 }
 
 }  // namespace
@@ -125,6 +152,39 @@ void PlotTextTest::rotation_is_counter_clockwise_about_the_anchor()
     plot_text(&painter, "up", 90, Qt::AlignLeft, Qt::AlignTop, false, 100.0, 50.0);
     painter.end();
     QCOMPARE(device.drawn("transform"), QStringList("0 -1 1 0 at 100,50"));
+}
+
+void PlotTextTest::texts_look_as_when_drawn_without_a_detour_data()
+{
+    QTest::addColumn<Look>("look");
+    const QFont label = pinned_font(8);
+    const QFont caption = pinned_font(10);
+    for (const double ratio : {1.0, 1.25, 1.5, 2.0, 3.0}) {
+        QTest::addRow("label at %g", ratio) << Look{label, 0, ratio};
+        QTest::addRow("caption, turned, at %g", ratio) << Look{caption, 90, ratio};
+    }
+    QTest::newRow("on a fine device") << Look{label, 0, 1.0, 11811};
+    QTest::newRow("enlarged") << Look{label, 0, 1.0, 3780, 1.5};
+}
+
+void PlotTextTest::texts_look_as_when_drawn_without_a_detour()
+{
+    QFETCH(Look, look);
+    for (const QString& text :
+         {QString("0.5"), QString("Station 10:3"), QString::fromUtf8("Resistance (m\u2126)"),
+          QString::fromUtf8("e\u0301te\u0301 \u05e9\u05dc"), QString("a\tb\n<b>c")}) {
+        const QImage expected = drawn(look, [&](QPainter& painter) {
+            const QRect bounds = painter.fontMetrics().boundingRect(text);
+            painter.translate(150.0, 60.5);
+            painter.rotate(-look.rotation);
+            painter.drawText(QPointF(-bounds.width(), -bounds.height() / 2.0 - bounds.top()), text);
+        });
+        const QImage image = drawn(look, [&](QPainter& painter) {
+            plot_text(&painter, text, look.rotation, Qt::AlignRight, Qt::AlignVCenter, false, 150.0,
+                      60.5);
+        });
+        QCOMPARE(image, expected);
+    }
 }
 
 void PlotTextTest::the_painter_is_left_as_it_was()
