@@ -1,7 +1,7 @@
 #pragma once
 
 #include "charts/interval.h"
-#include "charts/pixel.h"
+#include "charts/points/pixel.h"
 
 #include <QFontMetrics>
 #include <QString>

@@ -1,6 +1,5 @@
 #include "charts/line_chart.h"
 
-#include "charts/averaged_polylines.h"
 #include "charts/chart_pen.h"
 #include "charts/plot_text.h"
 #include "charts/raster_clip.h"
@@ -14,26 +13,6 @@ namespace
 bool is_plotted(const Series* series)
 {
     return series->visible && !series->points.isEmpty();
-}
-
-/** Curve by curve, though all that are reduced are worked out together, which is faster. */
-void plot_curves(const QList<Series*>& series, QPainter* painter, ChartStyle style,
-                 double averaging_interval, int dot_radius, int dpi, bool print)
-{
-    QList<const Series*> reduced;
-    for (const Series* const curve : series) {
-        if (is_plotted(curve) && curve->is_reduced(style, averaging_interval))
-            reduced << curve;
-    }
-    const QVector<QPolygonF> polylines = averaged_polylines(reduced, averaging_interval);
-
-    int next = 0;
-    for (const Series* const curve : series) {
-        if (next < reduced.size() && curve == reduced.at(next))
-            curve->plot_polyline(painter, polylines.at(next++), dpi, print);
-        else if (is_plotted(curve))
-            curve->plot(painter, style, averaging_interval, dot_radius, dpi, print);
-    }
 }
 
 void include_unless_infinite(Interval& range, double end)
@@ -247,7 +226,10 @@ void LineChart::plot(QList<Series*> series, QPainter* painter, QRect rect, doubl
     }
 
     painter->setClipRect(plot_area, Qt::ReplaceClip);
-    plot_curves(series, painter, style, averaging_interval, dot_radius, dpi, print);
+    for (const Series* const curve : qAsConst(series)) {
+        if (is_plotted(curve))
+            curve->plot(painter, style, averaging_interval, dot_radius, dpi, print);
+    }
     painter->setClipping(false);
 
     // Once more, so that the curves do not overwrite it.

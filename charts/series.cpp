@@ -1,69 +1,14 @@
 #include "charts/series.h"
 
-#include "charts/averaged_polylines.h"
-#include "charts/bucket_scan.h"
 #include "charts/chart_pen.h"
-#include "charts/point_map.h"
+#include "charts/points/averaged_polylines.h"
+#include "charts/points/bucket_scan.h"
 #include "common/assertions.h"
 
 #include <QPainter>
 
-#include <new>
-
 namespace
 {
-
-QPen pen_for(const QPen& pen, int dpi, bool print)
-{
-    return print ? half_point_pen(pen, dpi) : pen;
-}
-
-/** Room for vertices that nobody clears: for long curves that costs as much as a pass over them. */
-class VertexRoom
-{
-public:
-    explicit VertexRoom(int count)
-        : begin(static_cast<QPointF*>(::operator new(sizeof(QPointF) * count)))
-    {
-    }
-
-    ~VertexRoom()
-    {
-        ::operator delete(begin);
-    }
-
-    VertexRoom(const VertexRoom&) = delete;
-    VertexRoom& operator=(const VertexRoom&) = delete;
-
-    QPointF* const begin;
-};
-
-void draw_every_point(QPainter* painter, const QList<QPointF>& points, const PointMap map)
-{
-    const VertexRoom room(points.size());
-    QPointF* end = room.begin;
-    for_each_point(points.constBegin(), points.constEnd(),
-                   [&end, map](const QPointF& point) { new (end++) QPointF(map.map(point)); });
-    painter->drawPolyline(room.begin, points.size());
-}
-
-/** About a bucket per point, and never more: room for all of them needs no test at each. */
-void draw_small_buckets(QPainter* painter, const QList<QPointF>& points, const PointMap map,
-                        double interval)
-{
-    const int ends_and_last_mean = 3;
-    const VertexRoom room(points.size() + ends_and_last_mean);
-    QPointF* end = room.begin;
-    const auto append = [&end, map](const QPointF& point) {
-        new (end++) QPointF(map.map(point));
-    };
-    append(points.first());
-    BucketScan scan(interval);
-    scan.take(points.constBegin(), points.constEnd(), append);
-    append(scan.last_mean());
-    append(points.last());
-    painter->drawPolyline(room.begin, static_cast<int>(end - room.begin));
-}
 
 QPointF mean_of(const QPointF* points, int count)
 {
@@ -170,38 +115,16 @@ QPointF Series::unmap_point(QPoint point) const
 void Series::plot(QPainter* painter, ChartStyle style, double averaging_interval, int dot_radius,
                   int dpi, bool print) const
 {
-    if (is_reduced(style, averaging_interval)) {
-        plot_polyline(painter, averaged_polylines({this}, averaging_interval).first(), dpi, print);
-        return;
-    }
-    painter->setPen(pen_for(pen, dpi, print));
-    if (style == DOTS) {
-        for (const QPointF& point : points)
-            plot_dot(painter, map_point(point), dot_radius);
-        return;
-    }
     if (points.isEmpty())
         return;
-
-    const PointMap map{x_axis->pixel_map(), y_axis->pixel_map()};
-    if (averaging_interval > points.last().x())
-        draw_every_point(painter, points, map);
-    else
-        draw_small_buckets(painter, points, map, averaging_interval);
-}
-
-bool Series::is_reduced(ChartStyle style, double averaging_interval) const
-{
-    if (style != LINES || points.isEmpty() || averaging_interval > points.last().x())
-        return false;
-    const double buckets = points.last().x() / averaging_interval;
-    return buckets >= 0.0 && buckets < points.size() / 8;
-}
-
-void Series::plot_polyline(QPainter* painter, const QPolygonF& vertices, int dpi, bool print) const
-{
-    painter->setPen(pen_for(pen, dpi, print));
-    painter->drawPolyline(vertices);
+    painter->setPen(print ? half_point_pen(pen, dpi) : pen);
+    if (style == LINES) {
+        const PointMap map{x_axis->pixel_map(), y_axis->pixel_map()};
+        painter->drawPolyline(averaged_polyline({points, map}, averaging_interval));
+        return;
+    }
+    for (const QPointF& point : points)
+        plot_dot(painter, map_point(point), dot_radius);
 }
 
 QPolygonF smooth(QPolygonF polygon, int window)

@@ -60,12 +60,6 @@ public:
     void plot(QPainter* painter, ChartStyle style, double averaging_interval, int dot_radius,
               int dpi, bool print) const;
 
-    /** True if averaging leaves far fewer vertices than points, as long as x does not fall. */
-    bool is_reduced(ChartStyle style, double averaging_interval) const;
-
-    /** Draws this polyline in the curve's place: what `plot` does once it has worked it out. */
-    void plot_polyline(QPainter* painter, const QPolygonF& vertices, int dpi, bool print) const;
-
     Axis* x_axis = nullptr;  ///< not owned, top or bottom
     Axis* y_axis = nullptr;  ///< not owned, left or right
     QList<QPointF> points;   ///< in order of arrival, x expected not to fall

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "charts/pixel.h"
+#include "charts/points/pixel.h"
 
 #include <QPointF>
 

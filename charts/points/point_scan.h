@@ -7,6 +7,10 @@
 
 using PointIterator = QList<QPointF>::const_iterator;
 
+// What the walk below rests on. Where lists keep their points side by side it is a plain loop's loss.
+static_assert(QT_VERSION < QT_VERSION_CHECK(6, 0, 0) && QTypeInfo<QPointF>::isLarge,
+              "a QList<QPointF> is expected to keep every point in a node of its own");
+
 /**
  * A walk over points, in order. A list keeps every point in a node of its own, and waiting for those
  * is most of a long scan: all but the first ones are fetched some way ahead of their use.
