@@ -7,6 +7,7 @@
 
 #include <memory>
 
+struct ChartKind;
 class PaintBox;
 class PanelSight;
 class TestStation;
@@ -100,6 +101,8 @@ private:
     void set_up_charts();
     void set_chart_refresh_interval();
     void reposition_controls_on_bottom_chart();
+    /** Null while the choice of the lower chart is none of them. */
+    const ChartKind* kind_shown_in(const PaintBox* box) const;
     void repaint_chart(QPainter* painter, QRect rect, char chart_type, LineChart* chart,
                        ZoomInterval* zoom, ChartStyle style, bool smooth);
 

@@ -2,6 +2,7 @@
 
 #include "ui_main_window.h"
 
+#include "app/cycle_charts.h"
 #include "charts/chart_palette.h"
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
@@ -17,29 +18,25 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QSignalBlocker>
 
 #include <mutex>
 
 namespace
 {
-constexpr double SMOOTHING_INTERVAL_AH = 0.2;
 constexpr double GRIDLINE_INCHES = 0.5;
 constexpr double DOT_RADIUS_INCHES = 0.015625;
 constexpr int LOGO_MARGIN = 3;
 constexpr int BOTTOM_CHART_EMS = 8;
 
-const QChar OHM(0x2126);
-
-Series* series_of(TestCycle& cycle, char chart_type)
+/** The texts that choose a lower chart, in the order of the table. */
+QStringList choices()
 {
-    switch (chart_type) {
-    case 'V':
-        return &cycle.voltage_vs_amphours;
-    case 'I':
-        return &cycle.current_vs_amphours;
-    default:
-        return &cycle.internal_resistance;
-    }
+    QStringList texts;
+    for (const ChartKind& kind : CHART_KINDS)
+        if (kind.choice != nullptr)
+            texts << kind.choice;
+    return texts;
 }
 
 /** Unchecked also without any cycle. */
@@ -75,6 +72,11 @@ void MainWindow::set_up_chart_controls()
 {
     for (QPushButton* button : {ui->pbCancelVoltageZoom, ui->pbCancelCurrentZoom})
         button->setEnabled(false);
+    {
+        // Nothing is chosen yet: there is no zoom to drop.
+        const QSignalBlocker blocker(ui->cbBottomChart);
+        ui->cbBottomChart->addItems(choices());
+    }
     for (QWidget* control : QList<QWidget*>{ui->pbCancelVoltageZoom, ui->cbSmoothVoltageChart}) {
         control->setParent(voltage_chart_box);
         control->adjustSize();
@@ -97,23 +99,12 @@ void MainWindow::set_up_chart_controls()
 
 void MainWindow::set_up_charts()
 {
-    struct SetUp
-    {
-        LineChart& chart;
-        QString title;
-        QString y_caption;
-    };
-    const SetUp set_ups[] = {
-        {TestStation::voltage_vs_amphours_chart, "Voltage vs. Amp-Hours", "Voltage (V)"},
-        {TestStation::current_vs_amphours_chart, "Current vs. Amp-Hours", "Current (A)"},
-        {TestStation::internal_resistance_chart, "Internal Resistance vs. Amp-Hours",
-         QString("Internal Resistance (m%1)").arg(OHM)},
-    };
-    for (const SetUp& set_up : set_ups) {
-        LineChart& chart = set_up.chart;
-        chart.top_axis.caption = set_up.title;
-        chart.bottom_axis.caption = "Amp-Hours (Ah)";
-        chart.left_axis.caption = set_up.y_caption;
+    for (const CycleChart& row : CYCLE_CHARTS) {
+        const ChartKind& kind = chart_kind(row.code);
+        LineChart& chart = row.chart;
+        chart.top_axis.caption = kind.title;
+        chart.bottom_axis.caption = AMP_HOURS_CAPTION;
+        chart.left_axis.caption = kind.caption;
         chart.grid_pen =
             QPen(QBrush(Colors::pale_gray), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
         chart.bottom_axis.forced_range.min = 0;
@@ -146,21 +137,25 @@ void MainWindow::slot_refresh_charts()
     bottom_chart_box->update();
 }
 
+const ChartKind* MainWindow::kind_shown_in(const PaintBox* box) const
+{
+    return box == voltage_chart_box ? &chart_kind('V')
+                                    : chosen_chart_kind(ui->cbBottomChart->currentText());
+}
+
 void MainWindow::slot_paint_voltage_chart(QPainter* painter, QRect rect)
 {
-    repaint_chart(painter, rect, 'V', &TestStation::voltage_vs_amphours_chart, voltage_zoom.get(),
-                  LINES, ui->cbSmoothVoltageChart->isChecked());
+    const ChartKind& kind = *kind_shown_in(voltage_chart_box);
+    repaint_chart(painter, rect, kind.code, &cycle_chart(kind.code).chart, voltage_zoom.get(),
+                  kind.style, ui->cbSmoothVoltageChart->isChecked());
 }
 
 void MainWindow::slot_paint_current_chart(QPainter* painter, QRect rect)
 {
-    const QString shown = ui->cbBottomChart->currentText();
-    if (shown == "Current")
-        repaint_chart(painter, rect, 'I', &TestStation::current_vs_amphours_chart,
-                      bottom_zoom.get(), LINES, ui->cbSmoothCurrentChart->isChecked());
-    else if (shown == "RBatt")
-        repaint_chart(painter, rect, 'R', &TestStation::internal_resistance_chart,
-                      bottom_zoom.get(), DOTS, false);
+    if (const ChartKind* kind = kind_shown_in(bottom_chart_box))
+        repaint_chart(painter, rect, kind->code, &cycle_chart(kind->code).chart, bottom_zoom.get(),
+                      kind->style,
+                      kind->can_be_smoothed() && ui->cbSmoothCurrentChart->isChecked());
 }
 
 void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, LineChart* chart,
@@ -187,7 +182,8 @@ void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, L
         if (style == LINES)
             plot_series_captions(painter, series);
         // Not by sender(): it goes through all that the window is connected to, thousands of boxes.
-        PaintBox* const box = chart_type == 'V' ? voltage_chart_box : bottom_chart_box;
+        const bool upper = chart_kind(chart_type).choice == nullptr;
+        PaintBox* const box = upper ? voltage_chart_box : bottom_chart_box;
         plot_closest_chart_point(series, chart_type, box, chart, painter);
     } catch (...) {
     }
@@ -195,6 +191,7 @@ void MainWindow::repaint_chart(QPainter* painter, QRect rect, char chart_type, L
 
 QList<Series*> MainWindow::get_series_list_to_plot(char chart_type)
 {
+    Series TestCycle::*const curve = cycle_chart(chart_type).curve;
     QList<Series*> list;
     for (TestStation* station : qAsConst(TestStation::all_instances)) {
         int number = 0;
@@ -202,7 +199,7 @@ QList<Series*> MainWindow::get_series_list_to_plot(char chart_type)
             ++number;
             if (cycle->checkbox.checkState() != Qt::Checked)
                 continue;
-            Series* series = series_of(*cycle, chart_type);
+            Series* series = &(cycle->*curve);
             series->name = QString("%1:%2").arg(station->get_id()).arg(number);
             list.append(series);
         }
@@ -235,8 +232,8 @@ void MainWindow::on_cbSmoothCurrentChart_stateChanged(int)
 
 void MainWindow::on_cbBottomChart_currentTextChanged(const QString& text)
 {
-    // Resistances are dots, which are never smoothed.
-    ui->cbSmoothCurrentChart->setEnabled(text == "Current");
+    const ChartKind* kind = chosen_chart_kind(text);
+    ui->cbSmoothCurrentChart->setEnabled(kind != nullptr && kind->can_be_smoothed());
     cancel_bottom_zoom();
 }
 

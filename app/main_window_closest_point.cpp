@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 
+#include "app/cycle_charts.h"
 #include "charts/closest_point.h"
 #include "charts/paint_box.h"
 #include "station/test_station.h"
@@ -7,26 +8,17 @@
 #include <QCursor>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace
 {
 constexpr int DOT_RADIUS = 3;
 
-QString unit_of(char chart_type)
-{
-    switch (chart_type) {
-    case 'V':
-        return "V";
-    case 'I':
-        return "A";
-    default:
-        return QString("m") + QChar(0x2126);
-    }
-}
-
 bool owns(const TestCycle& cycle, const Series* series)
 {
-    return series == &cycle.voltage_vs_amphours || series == &cycle.current_vs_amphours ||
-           series == &cycle.internal_resistance;
+    return std::any_of(
+        std::begin(CYCLE_CHARTS), std::end(CYCLE_CHARTS),
+        [&cycle, series](const CycleChart& row) { return &(cycle.*row.curve) == series; });
 }
 
 const TestStation* owner_of(const Series* series)
@@ -58,5 +50,5 @@ void MainWindow::plot_closest_chart_point(const QList<Series*>& series, char cha
                             .arg(closest.series->name)
                             .arg(closest.point.x())
                             .arg(closest.point.y())
-                            .arg(unit_of(chart_type), station->serial_number_label.text()));
+                            .arg(chart_kind(chart_type).unit, station->serial_number_label.text()));
 }

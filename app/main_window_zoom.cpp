@@ -2,9 +2,9 @@
 
 #include "ui_main_window.h"
 
+#include "app/cycle_charts.h"
 #include "charts/paint_box.h"
 #include "common/message_boxes.h"
-#include "station/test_station.h"
 
 namespace
 {
@@ -17,17 +17,16 @@ void MainWindow::slot_rubberband(QRect rect)
     const bool upper = sender() == voltage_chart_box;
     if (!upper && sender() != bottom_chart_box)
         return;
-    const LineChart* chart = &TestStation::voltage_vs_amphours_chart;
-    if (!upper)
-        chart = ui->cbBottomChart->currentText() == "Current"
-                    ? &TestStation::current_vs_amphours_chart
-                    : &TestStation::internal_resistance_chart;
+    const ChartKind* kind = kind_shown_in(upper ? voltage_chart_box : bottom_chart_box);
+    if (kind == nullptr)
+        return;
 
+    const LineChart& chart = cycle_chart(kind->code).chart;
     auto zoom = std::make_unique<ZoomInterval>();
-    zoom->x.include(chart->bottom_axis.unmap_value(rect.left()));
-    zoom->x.include(chart->bottom_axis.unmap_value(rect.right()));
-    zoom->y.include(chart->left_axis.unmap_value(rect.bottom()));
-    zoom->y.include(chart->left_axis.unmap_value(rect.top()));
+    zoom->x.include(chart.bottom_axis.unmap_value(rect.left()));
+    zoom->x.include(chart.bottom_axis.unmap_value(rect.right()));
+    zoom->y.include(chart.left_axis.unmap_value(rect.bottom()));
+    zoom->y.include(chart.left_axis.unmap_value(rect.top()));
     // A zoomed chart without a curve has no scale: there the sizes may be no numbers at all.
     if (!(zoom->x.size() >= LEAST_ZOOM && zoom->y.size() >= LEAST_ZOOM)) {
         show_error("Zoom limit exceeded.");

@@ -1,5 +1,6 @@
 #include "report/report_page.h"
 
+#include "charts/chart_kinds.h"
 #include "charts/chart_pen.h"
 #include "charts/line_chart.h"
 #include "charts/plot_text.h"
@@ -19,7 +20,6 @@ constexpr int TITLE_POINTS = 16;
 constexpr int TABLE_POINTS = 8;
 constexpr int FOOTER_POINTS = 6;
 
-constexpr double AVERAGING_INTERVAL_AH = 0.2;
 constexpr double LEAST_AMP_HOURS = 0.1;  // a discharge without more has no figures
 
 const QStringList ROW_LABELS = {"",
@@ -46,7 +46,8 @@ QStringList table_column(const ReportCycle& cycle, int number, const QString& no
                          cycle.start_time.toString(Time::ISO_8601_DATE_FORMAT)};
     if (cycle.amp_hours > LEAST_AMP_HOURS)
         texts << with_unit(cycle.amp_hours, "Ah") << with_unit(cycle.watt_hours, "Wh")
-              << with_unit(cycle.current_vs_amphours->avg_y(), "A") << cycle.resistance;
+              << with_unit(cycle.current_vs_amphours->avg_y(), chart_kind('I').unit)
+              << cycle.resistance;
     while (texts.size() < ROW_LABELS.size())
         texts << no_data_text;
     return texts;
@@ -112,10 +113,10 @@ int plot_table(QPainter* painter, const Report& report, const ReportLayout& layo
 }
 
 void plot_chart(QPainter* painter, LineChart* chart, const QList<Series*>& curves, QRect rect,
-                ChartStyle style, int dot_radius, const ReportLayout& layout)
+                const ChartKind& kind, const ReportLayout& layout)
 {
-    chart->plot(curves, painter, rect, layout.gridline_pixels(), style, AVERAGING_INTERVAL_AH,
-                dot_radius, layout.resolution, true, nullptr);
+    chart->plot(curves, painter, rect, layout.gridline_pixels(), kind.style, SMOOTHING_INTERVAL_AH,
+                layout.dot_radius(), layout.resolution, true, nullptr);
 }
 
 void plot_resistance_chart(QPainter* painter, const Report& report, QRect rect,
@@ -124,8 +125,8 @@ void plot_resistance_chart(QPainter* painter, const Report& report, QRect rect,
     LineChart* const chart = report.resistance_chart;
     const QList<ResistanceReadings> readings = all_readings(report);
     chart->left_axis.forced_range.max = highest_error_bar_end(readings);
-    plot_chart(painter, chart, ticked_curves(report, &ReportCycle::internal_resistance), rect, DOTS,
-               layout.dot_radius(), layout);
+    plot_chart(painter, chart, ticked_curves(report, &ReportCycle::internal_resistance), rect,
+               chart_kind('R'), layout);
 
     painter->setPen(QColor(Qt::black));
     for (const QLine& bar : error_bars(readings, chart->bottom_axis, chart->left_axis))
@@ -164,7 +165,7 @@ void plot_report(QPainter* painter, const Report& report, const ReportLayout& la
     const int table_height = plot_table(painter, report, layout);
     plot_chart(painter, report.voltage_chart,
                ticked_curves(report, &ReportCycle::voltage_vs_amphours),
-               layout.upper_chart(table_height), LINES, 0, layout);
+               layout.upper_chart(table_height), chart_kind('V'), layout);
     plot_resistance_chart(painter, report, layout.lower_chart(table_height), layout);
     plot_footer(painter, layout);
 }
