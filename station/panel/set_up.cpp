@@ -2,7 +2,6 @@
 
 #include "ui_test_station.h"
 
-#include "common/frame_sides.h"
 #include "common/unicode.h"
 #include "common/wheel_focus.h"
 #include "common/widget_sizing.h"
@@ -151,8 +150,6 @@ void TestStation::set_up_panel()
     set_widget_sizes();
     leave_wheel_without_focus(this);
     leave_wheel_without_focus(&color_combobox);
-    for (QFrame* frame : QList<QFrame*>{this, ui->frTestParameters, ui->frTestResults})
-        paint_by_sides(frame);
     set_tooltips();
     log_dir = Settings::get_log_dir();
     set_elided_text(ui->laDirectory, log_dir, QString());

@@ -8,8 +8,6 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
-#include <QProxyStyle>
 #include <QPushButton>
 #include <QtTest>
 
@@ -29,7 +27,6 @@ private slots:
     void a_label_that_changes_asks_for_no_new_layout();
     void captions_and_rules_stand_on_one_line();
     void nothing_is_clipped_in_a_usual_test();
-    void the_frames_are_painted_side_by_side();
 
 private:
     const QFont usual_font = QApplication::font();
@@ -37,21 +34,6 @@ private:
 
 namespace
 {
-/** Counts the rectangles that each frame is left to be drawn in, at each time that it is drawn. */
-class CountingStyle : public QProxyStyle
-{
-public:
-    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
-                     const QWidget* widget) const override
-    {
-        if (element == CE_ShapedFrame && painter->hasClipping())
-            rectangles[widget->objectName()].append(painter->clipRegion().rectCount());
-        QProxyStyle::drawControl(element, option, painter, widget);
-    }
-
-    mutable QHash<QString, QList<int>> rectangles;
-};
-
 const char* const SUMMARY[] = {"laStationID", "laPhase",         "laVoltage",
                                "laCurrent",   "laCummAmpHours2", "laCycleNumber"};
 
@@ -282,21 +264,6 @@ void PanelSizesTest::nothing_is_clipped_in_a_usual_test()
         QVERIFY2(label->minimumSizeHint().width() <= label->width(), text.first);
         QVERIFY2(label->minimumSizeHint().height() <= label->height(), text.first);
     }
-}
-
-void PanelSizesTest::the_frames_are_painted_side_by_side()
-{
-    StationBench bench;
-    CountingStyle style;
-    QWidget* const frames[] = {bench.station.get(), bench.widget<QFrame>("frTestParameters"),
-                               bench.widget<QFrame>("frTestResults")};
-    for (QWidget* frame : frames)
-        frame->setStyle(&style);
-    bench.station->grab();
-    for (const QWidget* frame : frames)
-        QCOMPARE(style.rectangles.value(frame->objectName()), (QList<int>{1, 1, 1, 1}));
-    for (QWidget* frame : frames)
-        frame->setStyle(nullptr);
 }
 
 KEST_TEST(PanelSizesTest)
