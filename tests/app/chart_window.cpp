@@ -92,6 +92,14 @@ void ChartWindow::hover_nowhere() const
     hover(header, QPoint(header->width() / 2, 1));
 }
 
+QString ChartWindow::told_at(PaintBox* box, const Series& curve, int point) const
+{
+    box->repaint();
+    hover(box, curve.map_point(curve.points.at(point)));
+    box->repaint();
+    return box->toolTip();
+}
+
 void ChartWindow::drag(PaintBox* box, QPoint from, QPoint to)
 {
     QTest::mousePress(box, Qt::LeftButton, {}, from);

@@ -13,6 +13,7 @@
 class MainWindow;
 class PaintBox;
 class QTimer;
+class Series;
 class TestCycle;
 class TestStation;
 
@@ -43,6 +44,8 @@ public:
     void hover(const PaintBox* box, QPoint pixel) const;
     /** Moves the mouse off the window. */
     void hover_nowhere() const;
+    /** The tooltip of a box with the mouse at a point of a curve, in the latest layout. */
+    QString told_at(PaintBox* box, const Series& curve, int point) const;
     /** Presses, moves and releases the mouse over a box. */
     static void drag(PaintBox* box, QPoint from, QPoint to);
 

@@ -1,5 +1,6 @@
 #include "app/main_window.h"
 
+#include "app/cycle_charts.h"
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
@@ -127,12 +128,11 @@ void ChartViewTest::each_chart_has_its_own_curves()
 {
     ChartWindow bench;
     TestCycle* cycle = bench.add_cycle(bench.add_station(4), CURVE);
-    QCOMPARE(bench.window->get_series_list_to_plot('V'),
-             QList<Series*>{&cycle->voltage_vs_amphours});
-    QCOMPARE(bench.window->get_series_list_to_plot('I'),
-             QList<Series*>{&cycle->current_vs_amphours});
-    QCOMPARE(bench.window->get_series_list_to_plot('R'),
-             QList<Series*>{&cycle->internal_resistance});
+    const QPair<char, Series*> curves[] = {{'V', &cycle->voltage_vs_amphours},
+                                           {'I', &cycle->current_vs_amphours},
+                                           {'R', &cycle->internal_resistance}};
+    for (const auto& [code, curve] : curves)
+        QCOMPARE(bench.window->get_series_list_to_plot(code), QList<Series*>{curve});
 }
 
 void ChartViewTest::a_chart_is_drawn_step_by_step_data()
@@ -163,9 +163,7 @@ void ChartViewTest::a_chart_is_drawn_step_by_step()
     bench.widget<QCheckBox>("cbSmoothVoltageChart")->setChecked(smoothed);
     bench.widget<QCheckBox>("cbSmoothCurrentChart")->setChecked(smoothed);
     bench.widget<QComboBox>("cbBottomChart")->setCurrentText(type == 'R' ? "RBatt" : "Current");
-    LineChart& chart = type == 'V'   ? TestStation::voltage_vs_amphours_chart
-                       : type == 'I' ? TestStation::current_vs_amphours_chart
-                                     : TestStation::internal_resistance_chart;
+    LineChart& chart = cycle_chart(type).chart;
     const ChartStyle style = type == 'R' ? DOTS : LINES;
     const QStringList expected =
         expected_drawing(bench, box, {type, chart, style, smoothed && type != 'R' ? 0.2 : 0.0});

@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 #include "support/test_program.h"
 
+#include "app/cycle_charts.h"
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "common/colors.h"
@@ -129,13 +130,7 @@ void HoverTest::the_tooltip_tells_the_point()
     if (type == 'R')
         bench.widget<QComboBox>("cbBottomChart")->setCurrentText("RBatt");
     PaintBox* box = type == 'V' ? bench.upper : bench.lower;
-    const Series& series = type == 'V'   ? cycle->voltage_vs_amphours
-                           : type == 'I' ? cycle->current_vs_amphours
-                                         : cycle->internal_resistance;
-    box->repaint();
-    bench.hover(box, pixel_of(series, 1));
-    box->repaint();
-    QTEST(box->toolTip(), "tooltip");
+    QTEST(bench.told_at(box, cycle->*cycle_chart(type).curve, 1), "tooltip");
 }
 
 void HoverTest::numbers_have_six_digits()
@@ -143,13 +138,10 @@ void HoverTest::numbers_have_six_digits()
     ChartWindow bench;
     const TestCycle* cycle =
         bench.add_cycle(bench.add_station(4), {{0.0000001, 42.0}, {1.23456789, 40.123449}});
-    bench.upper->repaint();
-    bench.hover(bench.upper, pixel_of(cycle->voltage_vs_amphours, 1));
-    bench.upper->repaint();
-    QCOMPARE(bench.upper->toolTip(), QString("Station 4:1\n1004\n1.23457 Ah, 40.1234 V"));
-    bench.hover(bench.upper, pixel_of(cycle->voltage_vs_amphours, 0));
-    bench.upper->repaint();
-    QCOMPARE(bench.upper->toolTip(), QString("Station 4:1\n1004\n1e-07 Ah, 42 V"));
+    QCOMPARE(bench.told_at(bench.upper, cycle->voltage_vs_amphours, 1),
+             QString("Station 4:1\n1004\n1.23457 Ah, 40.1234 V"));
+    QCOMPARE(bench.told_at(bench.upper, cycle->voltage_vs_amphours, 0),
+             QString("Station 4:1\n1004\n1e-07 Ah, 42 V"));
 }
 
 void HoverTest::the_tooltip_bears_the_serial_number_as_it_is_typed()
@@ -159,10 +151,8 @@ void HoverTest::the_tooltip_bears_the_serial_number_as_it_is_typed()
     const TestCycle* cycle = bench.add_cycle(station, CURVE);
     // Looks like places for the other values, and is none.
     station->serial_number_label.setText("%1 %2 %3 %4 %5");
-    bench.upper->repaint();
-    bench.hover(bench.upper, pixel_of(cycle->voltage_vs_amphours, 1));
-    bench.upper->repaint();
-    QCOMPARE(bench.upper->toolTip(), QString("Station 4:1\n%1 %2 %3 %4 %5\n1 Ah, 41 V"));
+    QCOMPARE(bench.told_at(bench.upper, cycle->voltage_vs_amphours, 1),
+             QString("Station 4:1\n%1 %2 %3 %4 %5\n1 Ah, 41 V"));
 }
 
 void HoverTest::the_call_out_needs_no_mouse_event()
@@ -278,10 +268,8 @@ void HoverTest::an_unticked_cycle_is_not_found()
     TestStation* station = bench.add_station(4);
     TestCycle* first = bench.add_cycle(station, CURVE);
     bench.add_cycle(station, CURVE);
-    bench.upper->repaint();
-    bench.hover(bench.upper, pixel_of(first->voltage_vs_amphours, 1));
-    bench.upper->repaint();
-    QCOMPARE(bench.upper->toolTip(), QString("Station 4:1\n1004\n1 Ah, 41 V"));
+    QCOMPARE(bench.told_at(bench.upper, first->voltage_vs_amphours, 1),
+             QString("Station 4:1\n1004\n1 Ah, 41 V"));
     first->checkbox.setChecked(false);
     bench.upper->repaint();
     QCOMPARE(bench.upper->toolTip(), QString("Station 4:2\n1004\n1 Ah, 41 V"));
@@ -330,10 +318,7 @@ void HoverTest::a_station_closed_under_the_mouse_is_gone()
     TestStation* closing = bench.add_station(5);
     bench.add_cycle(staying, {{0.0, 1.0}});
     const TestCycle* cycle = bench.add_cycle(closing, CURVE);
-    bench.upper->repaint();
-    bench.hover(bench.upper, pixel_of(cycle->voltage_vs_amphours, 1));
-    bench.upper->repaint();
-    QVERIFY(bench.upper->toolTip().startsWith("Station 5:1\n"));
+    QVERIFY(bench.told_at(bench.upper, cycle->voltage_vs_amphours, 1).startsWith("Station 5:1\n"));
     bench.answers.click(QMessageBox::Ok);
     bench.window->slot_close_request(closing);
     bench.settle();

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFontInfo>
 #include <QTextStream>
 
 #include <algorithm>
@@ -51,6 +52,8 @@ QFont pinned_font(int points)
 {
     QFont font("DejaVu Sans", points);
     font.setHintingPreference(QFont::PreferNoHinting);
+    if (QFontInfo(font).family() != "DejaVu Sans")
+        qFatal("What is expected is in DejaVu Sans, of the package fonts-dejavu-core.");
     return font;
 }
 

@@ -3,57 +3,45 @@
 
 #include <QtTest>
 
+using Values = QVector<double>;
+
+Q_DECLARE_METATYPE(Values)
+
 class IntervalTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void a_fresh_interval_is_empty();
-    void one_value_makes_both_ends_equal();
+    void values_widen_but_never_narrow_data();
     void values_widen_but_never_narrow();
-    void nan_changes_nothing();
     void an_interval_is_included_end_by_end();
     void an_empty_interval_widens_to_infinity();
     void clear_makes_it_empty_again();
 };
 
-void IntervalTest::a_fresh_interval_is_empty()
+void IntervalTest::values_widen_but_never_narrow_data()
 {
-    const Interval interval;
-    QCOMPARE(interval.min, qInf());
-    QCOMPARE(interval.max, -qInf());
-    QCOMPARE(interval.size(), -qInf());
-}
-
-void IntervalTest::one_value_makes_both_ends_equal()
-{
-    Interval interval;
-    interval.include(-3.5);
-    QCOMPARE(interval.min, -3.5);
-    QCOMPARE(interval.max, -3.5);
-    QCOMPARE(interval.size(), 0.0);
+    QTest::addColumn<Values>("values");
+    QTest::addColumn<double>("min");
+    QTest::addColumn<double>("max");
+    QTest::newRow("none: empty") << Values{} << qInf() << -qInf();
+    QTest::newRow("one: both ends") << Values{-3.5} << -3.5 << -3.5;
+    QTest::newRow("several") << Values{2.0, 7.0, 5.0, -1.0} << -1.0 << 7.0;
+    QTest::newRow("NaN alone") << Values{qQNaN()} << qInf() << -qInf();
+    QTest::newRow("NaN between") << Values{qQNaN(), 1.0, qQNaN()} << 1.0 << 1.0;
 }
 
 void IntervalTest::values_widen_but_never_narrow()
 {
+    QFETCH(Values, values);
+    QFETCH(double, min);
+    QFETCH(double, max);
     Interval interval;
-    for (const double value : {2.0, 7.0, 5.0, -1.0})
+    for (const double value : values)
         interval.include(value);
-    QCOMPARE(interval.min, -1.0);
-    QCOMPARE(interval.max, 7.0);
-    QCOMPARE(interval.size(), 8.0);
-}
-
-void IntervalTest::nan_changes_nothing()
-{
-    Interval interval;
-    interval.include(qQNaN());
-    QCOMPARE(interval.min, qInf());
-    QCOMPARE(interval.max, -qInf());
-    interval.include(1.0);
-    interval.include(qQNaN());
-    QCOMPARE(interval.min, 1.0);
-    QCOMPARE(interval.max, 1.0);
+    QCOMPARE(interval.min, min);
+    QCOMPARE(interval.max, max);
+    QCOMPARE(interval.size(), max - min);
 }
 
 void IntervalTest::an_interval_is_included_end_by_end()
@@ -70,10 +58,9 @@ void IntervalTest::an_interval_is_included_end_by_end()
 
 void IntervalTest::an_empty_interval_widens_to_infinity()
 {
-    Interval empty;
     Interval interval;
     interval.include(4.0);
-    interval.include(empty);
+    interval.include(Interval());
     QCOMPARE(interval.min, -qInf());
     QCOMPARE(interval.max, qInf());
 }

@@ -4,7 +4,6 @@
 #include "support/recording_paint_device.h"
 #include "support/test_program.h"
 
-#include <QFontInfo>
 #include <QPainter>
 #include <QtTest>
 
@@ -19,7 +18,6 @@ class LineChartTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void a_fresh_chart_has_its_pens_fonts_and_axes();
     void add_series_uses_the_default_axes_for_null();
     void ranges_cover_curves_and_forced_ends();
@@ -55,12 +53,6 @@ QString rect_text(const QRect& rect)
 }  // namespace
 
 Q_DECLARE_METATYPE(Scene)
-
-void LineChartTest::initTestCase()
-{
-    QVERIFY2(QFontInfo(pinned_font(8)).family() == "DejaVu Sans",
-             "the expected drawings are in DejaVu Sans, of the package fonts-dejavu-core");
-}
 
 void LineChartTest::a_fresh_chart_has_its_pens_fonts_and_axes()
 {

@@ -2,7 +2,6 @@
 #include "expected_drawing.h"
 #include "support/test_program.h"
 
-#include <QFontInfo>
 #include <QPainter>
 #include <QPicture>
 #include <QtTest>
@@ -12,43 +11,17 @@ class LineChartDrawingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void drawings_are_as_recorded_data();
     void drawings_are_as_recorded();
     void the_look_is_as_expected_data();
     void the_look_is_as_expected();
     void a_moved_label_is_noticed();
     void pixels_are_those_without_the_raster_clip();
-    void curves_are_drawn_in_their_order_each_as_by_itself_data();
-    void curves_are_drawn_in_their_order_each_as_by_itself();
     void odd_data_and_rectangles_neither_crash_nor_hang_data();
     void odd_data_and_rectangles_neither_crash_nor_hang();
 };
 
 Q_DECLARE_METATYPE(Scene)
-
-namespace
-{
-/** Each polyline behind the pen that it is drawn with. */
-QStringList curves_in(const QStringList& lines)
-{
-    QString pen;
-    QStringList curves;
-    for (const QString& line : lines) {
-        if (line.startsWith("pen "))
-            pen = line.mid(4);
-        if (line.startsWith("polyline "))
-            curves << pen + ": " + line;
-    }
-    return curves;
-}
-}  // namespace
-
-void LineChartDrawingTest::initTestCase()
-{
-    QVERIFY2(QFontInfo(pinned_font(8)).family() == "DejaVu Sans",
-             "the expected drawings are in DejaVu Sans, of the package fonts-dejavu-core");
-}
 
 void LineChartDrawingTest::drawings_are_as_recorded_data()
 {
@@ -128,48 +101,6 @@ void LineChartDrawingTest::pixels_are_those_without_the_raster_clip()
     painter.drawPicture(0, 0, picture);
     painter.end();
     QCOMPARE(image, other);
-}
-
-void LineChartDrawingTest::curves_are_drawn_in_their_order_each_as_by_itself_data()
-{
-    QTest::addColumn<double>("interval");
-    QTest::newRow("every sample") << 0.0;
-    QTest::newRow("some of them averaged") << 0.2;
-    QTest::newRow("hardly any of them averaged") << 3.0;
-}
-
-void LineChartDrawingTest::curves_are_drawn_in_their_order_each_as_by_itself()
-{
-    QFETCH(double, interval);
-    ChartBench bench;
-    bench.interval = interval;
-    const std::vector<int> counts{2000, 5, 0, 3000, 2, 300, 2500, 2000};
-    for (std::size_t i = 0; i < counts.size(); ++i)
-        bench.add(QColor::fromHsv(int(i) * 40, 255, 200));
-    for (int i = 0; i < 3000; ++i) {
-        for (std::size_t curve = 0; curve < counts.size(); ++curve) {
-            if (i < counts[curve])
-                bench.series[curve]->add(i / 900.0, curve + i % 7 * 0.1);
-        }
-    }
-    bench.series[3]->visible = false;
-    bench.series << bench.series.first();
-
-    const QStringList together = curves_in(bench.record().lines);
-    RecordingPaintDevice device(600, 300);
-    QPainter painter(&device);
-    for (const Series* const curve : qAsConst(bench.series)) {
-        if (curve->visible)
-            curve->plot(&painter, LINES, interval, 1, 96, false);
-    }
-    painter.end();
-    QCOMPARE(together, curves_in(device.lines));
-    QStringList colours;
-    for (const QString& curve : together)
-        colours << curve.left(7);
-    const QStringList expected{"#c80000", "#c88500", "#00c885", "#0085c8",
-                               "#0000c8", "#8500c8", "#c80000"};
-    QCOMPARE(colours, expected);
 }
 
 void LineChartDrawingTest::odd_data_and_rectangles_neither_crash_nor_hang_data()

@@ -1,4 +1,5 @@
 #include "charts/series.h"
+#include "plain_axes.h"
 #include "support/test_program.h"
 
 #include <QCoreApplication>
@@ -24,40 +25,6 @@ private slots:
     void a_moving_average_leaves_out_the_last_point();
     void the_average_of_a_polygon_is_the_mean_of_both();
 };
-
-namespace
-{
-
-/** Axes on which a data unit is 100 pixels: x from 0 at 50, y from 0 at 450 upward. */
-struct Axes
-{
-    Axes() : x(BOTTOM), y(LEFT)
-    {
-        x.origin = 50;
-        x.length = 1000;
-        x.range.include(0.0);
-        x.range.include(10.0);
-        y.origin = 450;
-        y.length = 400;
-        y.range.include(0.0);
-        y.range.include(4.0);
-    }
-
-    Axis x;
-    Axis y;
-};
-
-using Points = QVector<QPointF>;
-
-void fill(Series& series, const Points& points)
-{
-    for (const QPointF& point : points)
-        series.add(point.x(), point.y());
-}
-
-}  // namespace
-
-Q_DECLARE_METATYPE(Points)
 
 void SeriesTest::a_fresh_series_is_empty_and_visible()
 {
@@ -129,7 +96,7 @@ void SeriesTest::a_search_in_an_empty_series_finds_nothing()
 
 void SeriesTest::points_go_through_the_axes_and_back()
 {
-    Axes axes;
+    PlainAxes axes;
     Series series;
     series.set_axes(&axes.x, &axes.y);
     QCOMPARE(series.get_x_axis(), &axes.x);

@@ -1,4 +1,5 @@
 #include "charts/series.h"
+#include "plain_axes.h"
 #include "support/recording_paint_device.h"
 #include "support/test_program.h"
 
@@ -31,21 +32,9 @@ private slots:
 namespace
 {
 
-/** Axes on which a data unit is 100 pixels: x from 0 at 50, y from 0 at 450 upward. */
-struct Plot
+/** What a curve asks of a device. */
+struct Plot : PlainAxes
 {
-    Plot() : x(BOTTOM), y(LEFT), device(1200, 500)
-    {
-        x.origin = 50;
-        x.length = 1000;
-        x.range.include(0.0);
-        x.range.include(10.0);
-        y.origin = 450;
-        y.length = 400;
-        y.range.include(0.0);
-        y.range.include(4.0);
-    }
-
     void draw(Series& series, ChartStyle style, double interval, int dpi = 96, bool print = false)
     {
         series.set_axes(&x, &y);
@@ -59,18 +48,8 @@ struct Plot
         return device.drawn("polyline").value(0);
     }
 
-    Axis x;
-    Axis y;
-    RecordingPaintDevice device;
+    RecordingPaintDevice device{1200, 500};
 };
-
-using Points = QVector<QPointF>;
-
-void fill(Series& series, const Points& points)
-{
-    for (const QPointF& point : points)
-        series.add(point.x(), point.y());
-}
 
 /** The rule for curves, step by step, with a bucket that really holds its points. */
 QPolygonF plain_vertices(const Series& series, double interval)
@@ -106,8 +85,6 @@ QString text_of(const QPolygonF& polygon)
 }
 
 }  // namespace
-
-Q_DECLARE_METATYPE(Points)
 
 void SeriesDrawingTest::curves_have_their_vertices_data()
 {

@@ -14,7 +14,6 @@ class ReportPageTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void the_page_is_drawn_as_recorded();
     void elements_come_in_their_order();
     void the_header_image_stands_above_the_titles();
@@ -46,12 +45,6 @@ QStringList bars_of(const ReportPageBench& bench, const RecordingPaintDevice& de
     return lines.mid(lines.size() - count);
 }
 }  // namespace
-
-void ReportPageTest::initTestCase()
-{
-    QVERIFY2(QFontInfo(pinned_font(8)).family() == "DejaVu Sans",
-             "the expected drawing is in DejaVu Sans, of the package fonts-dejavu-core");
-}
 
 void ReportPageTest::the_page_is_drawn_as_recorded()
 {

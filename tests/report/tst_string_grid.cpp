@@ -1,8 +1,8 @@
+#include "charts/expected_drawing.h"
 #include "recorded_texts.h"
 #include "report/string_grid.h"
 #include "support/test_program.h"
 
-#include <QFontInfo>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QtTest>
@@ -14,7 +14,6 @@ class StringGridTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void a_new_grid_is_empty();
     void a_size_gives_empty_cells_and_no_widths();
     void a_new_size_loses_texts_widths_and_alignments_but_not_the_row_height();
@@ -45,14 +44,7 @@ struct Page
 {
     Page() : device(4000, 4000, 600), painter(&device)
     {
-        painter.setFont(font(8));
-    }
-
-    static QFont font(int points)
-    {
-        QFont font("DejaVu Sans", points);
-        font.setHintingPreference(QFont::PreferNoHinting);
-        return font;
+        painter.setFont(pinned_font(8));
     }
 
     QFontMetrics metrics() const
@@ -86,12 +78,6 @@ StringGrid two_by_two()
     return grid_of({{"a", "b"}, {"c", "d"}});
 }
 }  // namespace
-
-void StringGridTest::initTestCase()
-{
-    QVERIFY2(QFontInfo(Page::font(8)).family() == "DejaVu Sans",
-             "the widths are those of DejaVu Sans, of the package fonts-dejavu-core");
-}
 
 void StringGridTest::a_new_grid_is_empty()
 {
@@ -167,7 +153,7 @@ void StringGridTest::a_column_is_as_wide_as_its_widest_text_needs()
     // Two blanks to each side: the room for the heavier weight of the first column.
     QCOMPARE(labels.get_total_width(), label + 4 * blank);
 
-    page.painter.setFont(Page::font(8));
+    page.painter.setFont(pinned_font(8));
     StringGrid both = grid_of({{"Date", "x"}, {"Discharge Capacity", "1234.56 Ah"}});
     both.ensure_text_will_fit(&page.painter);
     QCOMPARE(both.get_total_width(), label + 4 * blank + figure + 2 * blank);
@@ -189,10 +175,10 @@ void StringGridTest::a_second_plot_never_narrows()
     StringGrid grid = two_by_two();
     grid.plot(&page.painter, QPointF(0, 0));
     const int width = grid.get_total_width();
-    page.painter.setFont(Page::font(4));
+    page.painter.setFont(pinned_font(4));
     grid.plot(&page.painter, QPointF(0, 0));
     QCOMPARE(grid.get_total_width(), width);
-    page.painter.setFont(Page::font(16));
+    page.painter.setFont(pinned_font(16));
     grid.plot(&page.painter, QPointF(0, 0));
     QVERIFY(grid.get_total_width() > width);
 }
@@ -200,7 +186,7 @@ void StringGridTest::a_second_plot_never_narrows()
 void StringGridTest::texts_are_measured_in_the_weight_found_on_entry()
 {
     Page page;
-    QFont bold = Page::font(8);
+    QFont bold = pinned_font(8);
     bold.setWeight(QFont::Bold);
     page.painter.setFont(bold);
     const QFontMetrics metrics = page.metrics();
@@ -335,7 +321,7 @@ void StringGridTest::the_first_row_and_column_are_heavier()
 void StringGridTest::the_font_keeps_its_family_and_size_and_nothing_else()
 {
     Page page;
-    QFont font = Page::font(11);
+    QFont font = pinned_font(11);
     font.setItalic(true);
     font.setUnderline(true);
     page.painter.setFont(font);
