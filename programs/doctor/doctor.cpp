@@ -26,7 +26,7 @@ void tell_waiting_person(const QString& text)
 
 bool may_listen(const SeenPort& port)
 {
-    return port.has_node && port.may_open && port.holders.isEmpty();
+    return port.adapter.is_usb() && port.has_node && port.may_open && port.holders.isEmpty();
 }
 
 void listen_to_free_ports(const FileView& view, QList<SeenPort>& ports)

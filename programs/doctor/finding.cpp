@@ -37,7 +37,7 @@ constexpr Row ROWS[] = {
      "editor +%1 %2"},
 
     {"no-port", Trouble,
-     "There is no serial port: no instrument is plugged in, or by a cable that carries power only. "
+     "There is no USB serial port: no instrument is plugged in, or by a cable that carries power only. "
      "Watch what the kernel says while you plug it in.",
      "sudo dmesg --follow"},
     {"taken-by-brltty", Trouble,

@@ -2,6 +2,8 @@
 
 #include "device/raw_traffic.h"
 
+#include <algorithm>
+
 namespace
 {
 const QString KEEP_AWAY_FILE = "/etc/udev/rules.d/99-kest-adapters.rules";
@@ -96,6 +98,11 @@ namespace
 {
 void judge_port(const SeenPort& port, const Seen& seen, QList<Finding>& findings)
 {
+    // An instrument hangs on USB: what is wrong with another port, or who holds it, is no trouble.
+    if (!port.adapter.is_usb()) {
+        findings << finding("port", port.name, {port.name, "a port of the computer itself"});
+        return;
+    }
     if (!port.has_node)
         findings << finding("no-node", port.name, {port.name});
     else if (!port.may_open)
@@ -104,10 +111,6 @@ void judge_port(const SeenPort& port, const Seen& seen, QList<Finding>& findings
         findings << held(port.name, holder);
     if (port.speech.listened)
         findings << judge_speech(port.name, port.speech);
-    if (port.adapter.vendor_id.isEmpty()) {
-        findings << finding("port", port.name, {port.name, "a port of the computer itself"});
-        return;
-    }
     const QStringList keep_away = {keep_away_command(port.adapter)};
     if (seen.modem_manager && !port.adapter.left_alone)
         findings << finding("modem-manager", port.name, {port.name}, keep_away);
@@ -143,7 +146,10 @@ QString adapter_in_words(const SeenAdapter& adapter)
 
 void judge_ports(const Seen& seen, QList<Finding>& findings)
 {
-    if (seen.ports.isEmpty() && seen.adapters_without_port.isEmpty())
+    const bool has_usb_port =
+        std::any_of(seen.ports.begin(), seen.ports.end(),
+                    [](const SeenPort& port) { return port.adapter.is_usb(); });
+    if (!has_usb_port && seen.adapters_without_port.isEmpty())
         findings << finding("no-port", {});
     for (const SeenAdapter& adapter : seen.adapters_without_port)
         judge_adapter_without_port(adapter, seen.brltty, findings);

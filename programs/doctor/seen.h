@@ -16,6 +16,11 @@ struct SeenProcess
 /** The USB adapter behind a port; texts as its maker wrote them, empty where it wrote none. */
 struct SeenAdapter
 {
+    bool is_usb() const
+    {
+        return !vendor_id.isEmpty();
+    }
+
     QString vendor_id;   ///< "0403"; empty if the port hangs on no USB adapter
     QString product_id;  ///< "6001"
     QString maker;

@@ -121,7 +121,8 @@ QList<Situation> situations()
             "editor +3 /s/kestrometer.cfg");
     row(
         "no port", [](Seen& seen) { seen.ports.clear(); },
-        "no-port|There is no serial port: no instrument is plugged in, or by a cable that carries "
+        "no-port|There is no USB serial port: no instrument is plugged in, or by a cable that "
+        "carries "
         "power only. Watch what the kernel says while you plug it in.|sudo dmesg --follow");
     const auto without_port = [](bool claimed, bool brltty, const QString& vendor = "0403") {
         return [=](Seen& seen) {
@@ -260,8 +261,22 @@ QList<Situation> situations()
         "no-zone|No time zone is set: the times in the logs are UTC.|"
         "sudo dpkg-reconfigure tzdata");
     row(
-        "a port of the computer", [](Seen& seen) { seen.ports[0].adapter = {}; },
-        "port|ttyUSB0: a port of the computer itself.|");
+        "a port of the computer",
+        [](Seen& seen) {
+            SeenPort port;
+            port.name = "ttyS0";
+            port.holders = {{1, "agetty"}};
+            port.speech.listened = true;
+            seen.ports << port;
+            seen.modem_manager = true;
+            seen.ports[0].adapter.left_alone = true;
+        },
+        "port|ttyS0: a port of the computer itself.|");
+    row(
+        "nothing but a port of the computer", [](Seen& seen) { seen.ports[0].adapter = {}; },
+        "no-port|There is no USB serial port: no instrument is plugged in, or by a cable that "
+        "carries power only. Watch what the kernel says while you plug it in.|"
+        "sudo dmesg --follow");
     row(
         "an adapter without words",
         [](Seen& seen) {
