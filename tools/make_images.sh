@@ -1,5 +1,5 @@
 #!/bin/bash
-# Makes the PNG files of resources/ anew from their SVG sources. Needs librsvg2-bin and DejaVu Sans.
+# Makes the PNG files of resources/ and the menu's icons anew from their SVG sources. Needs librsvg2-bin and DejaVu Sans.
 set -euo pipefail
 cd "$(dirname "$(readlink --canonicalize "$0")")/../resources"
 
@@ -18,3 +18,9 @@ make battery_tester_logo.svg 1068 268 none battery_tester_logo.png
 make battery_tester_logo.svg 267 67 none battery_tester_logo_267x67.png
 # White as the paper: a page then needs no mask of transparency beside the image.
 make kest_pdf_header.svg 2400 240 white kest_pdf_header.png
+
+# The menu's icon, in the sizes that desktops ask for.
+for size in 16 22 24 32 48 64 128 256 512; do
+    make ../packaging/kest-battery-tester.svg $size $size none \
+        ../packaging/icons/kest-battery-tester-$size.png
+done
