@@ -80,15 +80,13 @@ private slots:
 void ChartSetUpTest::the_charts_bear_their_captions_data()
 {
     QTest::addColumn<LineChart*>("chart");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("left");
-    QTest::newRow("voltage") << &TestStation::voltage_vs_amphours_chart << "Voltage vs. Amp-Hours"
-                             << "Voltage (V)";
-    QTest::newRow("current") << &TestStation::current_vs_amphours_chart << "Current vs. Amp-Hours"
-                             << "Current (A)";
-    QTest::newRow("resistance") << &TestStation::internal_resistance_chart
-                                << "Internal Resistance vs. Amp-Hours"
-                                << "Internal Resistance (" + MILLIOHM + ")";
+    add_columns<QString>({"title", "left"});
+    add_row("voltage", &TestStation::voltage_vs_amphours_chart, "Voltage vs. Amp-Hours",
+            "Voltage (V)");
+    add_row("current", &TestStation::current_vs_amphours_chart, "Current vs. Amp-Hours",
+            "Current (A)");
+    add_row("resistance", &TestStation::internal_resistance_chart,
+            "Internal Resistance vs. Amp-Hours", "Internal Resistance (" + MILLIOHM + ")");
 }
 
 void ChartSetUpTest::the_charts_bear_their_captions()
@@ -134,8 +132,7 @@ void ChartSetUpTest::the_controls_lie_on_the_charts_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("upper");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("tooltip");
+    add_columns<QString>({"text", "tooltip"});
     const QString cancel =
         "Restores the chart to the default view so all chart data is visible at once.";
     const QString smooth =
@@ -149,12 +146,11 @@ void ChartSetUpTest::the_controls_lie_on_the_charts_data()
     QTest::newRow("smooth, upper") << "cbSmoothVoltageChart" << true << "Use Smoothing" << smooth;
     QTest::newRow("cancel, lower") << "pbCancelCurrentZoom" << false << "Cancel Zoom" << cancel;
     QTest::newRow("smooth, lower") << "cbSmoothCurrentChart" << false << "Use Smoothing" << smooth;
-    QTest::newRow("choice")
-        << "cbBottomChart" << false << "Current"
-        << "Selects which chart is displayed: Current vs. Amp-Hours or Internal Resistance vs. "
-           "Amp-Hours. If internal resistance measurements are not collected (or <i>were</i> not "
-           "collected, in the case of a preview of an pre-existing log file) during the discharge "
-           "phase, the IR chart will not display any information.";
+    add_row("choice", "cbBottomChart", false, "Current",
+            "Selects which chart is displayed: Current vs. Amp-Hours or Internal Resistance vs. "
+            "Amp-Hours. If internal resistance measurements are not collected (or <i>were</i> not "
+            "collected, in the case of a preview of an pre-existing log file) during the discharge "
+            "phase, the IR chart will not display any information.");
 }
 
 void ChartSetUpTest::the_controls_lie_on_the_charts()
@@ -250,8 +246,7 @@ void ChartSetUpTest::controls_look_the_same_under_every_palette()
 
 void ChartSetUpTest::the_refresh_rate_comes_from_the_settings_data()
 {
-    QTest::addColumn<int>("rate");
-    QTest::addColumn<int>("interval");
+    add_columns<int>({"rate", "interval"});
     QTest::newRow("default") << 3 << 333;
     QTest::newRow("no divisor") << 7 << 142;
     QTest::newRow("once a second") << 1 << 1000;

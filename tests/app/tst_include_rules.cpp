@@ -173,69 +173,44 @@ void IncludeRulesTest::every_folder_is_read()
 
 void IncludeRulesTest::an_include_is_judged_by_its_folder_data()
 {
-    QTest::addColumn<QString>("folder");
-    QTest::addColumn<QString>("text");
+    add_columns<QString>({"folder", "text"});
     QTest::addColumn<QStringList>("forbidden");
 
     const QStringList none;
-    QTest::newRow("own folder") << "charts"
-                                << "#include \"charts/axis.h\"\n"
-                                << none;
-    QTest::newRow("helper") << "charts"
-                            << "#include \"common/text.h\"\n"
-                            << none;
-    QTest::newRow("Qt") << "charts"
-                        << "#include <QString>\n#include <cmath>\n"
-                        << none;
-    QTest::newRow("system") << "device"
-                            << "#include <sys/ioctl.h>\n"
-                            << none;
-    QTest::newRow("station and dialogs") << "station"
-                                         << "#include \"dialogs/about.h\"\n"
-                                         << none;
-    QTest::newRow("report of charts") << "report"
-                                      << "#include \"charts/axis.h\"\n"
-                                      << none;
-    QTest::newRow("charts of report") << "charts"
-                                      << "#include \"report/string_grid.h\"\n"
-                                      << QStringList("report/string_grid.h");
-    QTest::newRow("common of config") << "common"
-                                      << "#include \"config/settings.h\"\n"
-                                      << QStringList("config/settings.h");
+    add_row("own folder", "charts", "#include \"charts/axis.h\"\n", none);
+    add_row("helper", "charts", "#include \"common/text.h\"\n", none);
+    add_row("Qt", "charts", "#include <QString>\n#include <cmath>\n", none);
+    add_row("system", "device", "#include <sys/ioctl.h>\n", none);
+    add_row("station and dialogs", "station", "#include \"dialogs/about.h\"\n", none);
+    add_row("report of charts", "report", "#include \"charts/axis.h\"\n", none);
+    add_row("charts of report", "charts", "#include \"report/string_grid.h\"\n",
+            QStringList("report/string_grid.h"));
+    add_row("common of config", "common", "#include \"config/settings.h\"\n",
+            QStringList("config/settings.h"));
     QTest::newRow("second line, odd spacing")
         << "device"
         << "#pragma once\n  # include\t\"station/phase.h\"  // why\n"
         << QStringList("station/phase.h");
-    QTest::newRow("in brackets") << "device"
-                                 << "#include <station/phase.h>\n"
-                                 << QStringList("station/phase.h");
-    QTest::newRow("without folder") << "charts"
-                                    << "#include \"axis.h\"\n"
-                                    << QStringList("axis.h");
-    QTest::newRow("upwards") << "charts"
-                             << "#include \"../common/text.h\"\n"
-                             << QStringList("../common/text.h");
-    QTest::newRow("test support") << "app"
-                                  << "#include \"support/test_clock.h\"\n"
-                                  << QStringList("support/test_clock.h");
-    QTest::newRow("form of nobody") << "charts"
-                                    << "#include \"ui_nothing.h\"\n"
-                                    << QStringList("ui_nothing.h");
-    QTest::newRow("custom widget of a form")
-        << "config"
-        << "<class>X</class>\n   <header>charts/paint_box.h</header>\n"
-        << QStringList("charts/paint_box.h");
-    QTest::newRow("a program of its own folder") << "programs/doctor"
-                                                 << "#include \"doctor/judge.h\"\n"
-                                                 << none;
-    QTest::newRow("a program of another")
-        << "programs/doctor"
-        << "#include \"guard/child.h\"\n#include \"programs/guard/child.h\"\n"
-        << QStringList({"guard/child.h", "programs/guard/child.h"});
-    QTest::newRow("a program of the logs") << "programs/doctor"
-                                           << "#include \"station/logs/log_row.h\"\n"
-                                              "#include \"station/test_station.h\"\n"
-                                           << QStringList("station/test_station.h");
+    add_row("in brackets", "device", "#include <station/phase.h>\n",
+            QStringList("station/phase.h"));
+    add_row("without folder", "charts", "#include \"axis.h\"\n", QStringList("axis.h"));
+    add_row("upwards", "charts", "#include \"../common/text.h\"\n",
+            QStringList("../common/text.h"));
+    add_row("test support", "app", "#include \"support/test_clock.h\"\n",
+            QStringList("support/test_clock.h"));
+    add_row("form of nobody", "charts", "#include \"ui_nothing.h\"\n", QStringList("ui_nothing.h"));
+    add_row("custom widget of a form", "config",
+            "<class>X</class>\n   <header>charts/paint_box.h</header>\n",
+            QStringList("charts/paint_box.h"));
+    add_row("a program of its own folder", "programs/doctor", "#include \"doctor/judge.h\"\n",
+            none);
+    add_row("a program of another", "programs/doctor",
+            "#include \"guard/child.h\"\n#include \"programs/guard/child.h\"\n",
+            QStringList({"guard/child.h", "programs/guard/child.h"}));
+    add_row("a program of the logs", "programs/doctor",
+            "#include \"station/logs/log_row.h\"\n"
+            "#include \"station/test_station.h\"\n",
+            QStringList("station/test_station.h"));
     QTest::newRow("in a comment") << "charts"
                                   << "// #include \"app/main_window.h\"\n"
                                   << none;

@@ -97,10 +97,10 @@ void WholeFaultsTest::the_test_goes_on_to_done_data()
     QTest::newRow("restart") << "restart 2" << all << "restart";
     QTest::newRow("bootloader") << "bootloader" << all << "bootloader";
     QTest::newRow("protection trips") << "trip-protection" << all << "protection_trips";
-    QTest::newRow("protection trips in a resistance test")
-        << "trip-protection" << QSet<Phase>{PHASE_IR_TEST} << "protection_trips_in_ir_test";
-    QTest::newRow("protection trips in a recovery")
-        << "trip-protection" << QSet<Phase>{PHASE_IR_RECOVERY} << "protection_trips_in_recovery";
+    add_row("protection trips in a resistance test", "trip-protection", QSet<Phase>{PHASE_IR_TEST},
+            "protection_trips_in_ir_test");
+    add_row("protection trips in a recovery", "trip-protection", QSet<Phase>{PHASE_IR_RECOVERY},
+            "protection_trips_in_recovery");
     QTest::newRow("current after off") << "current-after-off 0.3 3" << all << "current_after_off";
 }
 
@@ -117,26 +117,21 @@ void WholeFaultsTest::the_test_goes_on_to_done()
 
 void WholeFaultsTest::the_test_waits_until_it_is_mended_or_dropped_data()
 {
-    QTest::addColumn<Phase>("before");
-    QTest::addColumn<Phase>("phase");
+    add_columns<Phase>({"before", "phase"});
     QTest::addColumn<QString>("fault");
     QTest::addColumn<bool>("stuck");
-    QTest::newRow("charger not off")
-        << PHASE_CHARGING_LEVELED << PHASE_FULL_CHARGE_TEST << "ignore-commands forever" << true;
-    QTest::newRow("full charge test, letter")
-        << PHASE_CHARGING_LEVELED << PHASE_FULL_CHARGE_TEST << "stuck-state C forever" << true;
-    QTest::newRow("load not off") << PHASE_DISCHARGING << PHASE_IR_TEST << "ignore-commands forever"
-                                  << true;
-    QTest::newRow("resistance test, letter")
-        << PHASE_DISCHARGING << PHASE_IR_TEST << "stuck-state D forever" << true;
-    QTest::newRow("current stays")
-        << PHASE_DISCHARGING << PHASE_IR_TEST << "current-after-off 0.1 forever" << false;
-    QTest::newRow("load not on") << PHASE_IR_TEST << PHASE_IR_RECOVERY << "ignore-commands forever"
-                                 << true;
-    QTest::newRow("recovery, letter")
-        << PHASE_IR_TEST << PHASE_IR_RECOVERY << "stuck-state O forever" << true;
-    QTest::newRow("voltage stays up")
-        << PHASE_IR_TEST << PHASE_IR_RECOVERY << "field 1 26.00 forever" << false;
+    add_row("charger not off", PHASE_CHARGING_LEVELED, PHASE_FULL_CHARGE_TEST,
+            "ignore-commands forever", true);
+    add_row("full charge test, letter", PHASE_CHARGING_LEVELED, PHASE_FULL_CHARGE_TEST,
+            "stuck-state C forever", true);
+    add_row("load not off", PHASE_DISCHARGING, PHASE_IR_TEST, "ignore-commands forever", true);
+    add_row("resistance test, letter", PHASE_DISCHARGING, PHASE_IR_TEST, "stuck-state D forever",
+            true);
+    add_row("current stays", PHASE_DISCHARGING, PHASE_IR_TEST, "current-after-off 0.1 forever",
+            false);
+    add_row("load not on", PHASE_IR_TEST, PHASE_IR_RECOVERY, "ignore-commands forever", true);
+    add_row("recovery, letter", PHASE_IR_TEST, PHASE_IR_RECOVERY, "stuck-state O forever", true);
+    add_row("voltage stays up", PHASE_IR_TEST, PHASE_IR_RECOVERY, "field 1 26.00 forever", false);
 }
 
 void WholeFaultsTest::the_test_waits_until_it_is_mended_or_dropped()
@@ -173,12 +168,11 @@ void WholeFaultsTest::the_test_waits_until_it_is_mended_or_dropped()
 
 void WholeFaultsTest::a_phase_goes_on_by_its_own_clock_under_a_wrong_letter_data()
 {
-    QTest::addColumn<Phase>("phase");
-    QTest::addColumn<Phase>("next");
+    add_columns<Phase>({"phase", "next"});
     QTest::addColumn<QString>("fault");
     QTest::newRow("charge") << PHASE_CHARGING << PHASE_CHARGING_LEVELED << "stuck-state X forever";
-    QTest::newRow("levelled charge")
-        << PHASE_CHARGING_LEVELED << PHASE_FULL_CHARGE_TEST << "stuck-state X forever";
+    add_row("levelled charge", PHASE_CHARGING_LEVELED, PHASE_FULL_CHARGE_TEST,
+            "stuck-state X forever");
     QTest::newRow("discharge") << PHASE_DISCHARGING << PHASE_IR_TEST << "stuck-state X forever";
     QTest::newRow("final charge") << PHASE_FINAL_CHARGE << PHASE_DONE << "stuck-state X forever";
 }

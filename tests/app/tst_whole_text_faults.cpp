@@ -43,12 +43,10 @@ const Cost NO_STATE = {"state_letter_unread", 17};  // the line is taken, its st
 
 void WholeTextFaultsTest::garbled_lines_cost_what_they_cost_data()
 {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("golden");
+    add_columns<QString>({"fault", "golden"});
     QTest::addColumn<int>("seconds");
     const auto row = [](const char* fault, const Cost& cost) {
-        QTest::newRow(fault[0] != '\0' ? fault : "no fault")
-            << fault << cost.golden << cost.seconds;
+        add_row(fault[0] != '\0' ? fault : "no fault", fault, cost.golden, cost.seconds);
     };
     row("", TAKEN);
     row("garbage 1", UNREAD);

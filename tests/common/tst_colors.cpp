@@ -26,9 +26,7 @@ private slots:
 void ColorsTest::colors_have_their_channels_data()
 {
     QTest::addColumn<QColor>("color");
-    QTest::addColumn<int>("red");
-    QTest::addColumn<int>("green");
-    QTest::addColumn<int>("blue");
+    add_columns<int>({"red", "green", "blue"});
 
     QTest::newRow("black") << Colors::black << 0 << 0 << 0;
     QTest::newRow("brown") << Colors::brown << 87 << 49 << 5;
@@ -78,8 +76,8 @@ void ColorsTest::brightness_is_perceived_data()
 
     const int brightness[] = {0, 58, 127, 163, 247, 109, 76, 93, 136, 255};
     for (int digit = 0; digit < 10; ++digit)
-        QTest::newRow(qPrintable(QString("digit %1").arg(digit)))
-            << Colors::resistor_color_code[digit] << brightness[digit];
+        add_row(qPrintable(QString("digit %1").arg(digit)), Colors::resistor_color_code[digit],
+                brightness[digit]);
     QTest::newRow("on the straight part") << QColor(10, 10, 10) << 10;
     QTest::newRow("one") << QColor(1, 1, 1) << 1;
     QTest::newRow("middle") << QColor(128, 128, 128) << 128;

@@ -55,8 +55,7 @@ private slots:
 void FileTest::names_are_safe_or_not_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("unsafe_characters");
-    QTest::addColumn<bool>("safe_filename");
+    add_columns<bool>({"unsafe_characters", "safe_filename"});
 
     QTest::newRow("plain") << "Pack 17" << false << true;
     QTest::newRow("empty") << "" << false << false;
@@ -101,28 +100,14 @@ void FileTest::every_character_code_is_judged()
 
 void FileTest::change_extension_replaces_what_follows_the_last_dot_data()
 {
-    QTest::addColumn<QString>("filename");
-    QTest::addColumn<QString>("extension");
-    QTest::addColumn<QString>("changed");
+    add_columns<QString>({"filename", "extension", "changed"});
 
-    QTest::newRow("plain") << "a.csv"
-                           << ".txt"
-                           << "a.txt";
-    QTest::newRow("last of several dots") << "a.b.csv"
-                                          << ".txt"
-                                          << "a.b.txt";
-    QTest::newRow("dot at the end") << "a."
-                                    << ".txt"
-                                    << "a.txt";
-    QTest::newRow("hidden file") << ".csv"
-                                 << ".txt"
-                                 << ".txt";
-    QTest::newRow("dot in a directory") << "/a.b/c"
-                                        << ".txt"
-                                        << "/a.txt";
-    QTest::newRow("bare dot") << "a.csv"
-                              << "."
-                              << "a.";
+    add_row("plain", "a.csv", ".txt", "a.txt");
+    add_row("last of several dots", "a.b.csv", ".txt", "a.b.txt");
+    add_row("dot at the end", "a.", ".txt", "a.txt");
+    add_row("hidden file", ".csv", ".txt", ".txt");
+    add_row("dot in a directory", "/a.b/c", ".txt", "/a.txt");
+    add_row("bare dot", "a.csv", ".", "a.");
 }
 
 void FileTest::change_extension_replaces_what_follows_the_last_dot()
@@ -137,19 +122,13 @@ void FileTest::change_extension_replaces_what_follows_the_last_dot()
 
 void FileTest::change_extension_refuses_data()
 {
-    QTest::addColumn<QString>("filename");
-    QTest::addColumn<QString>("extension");
+    add_columns<QString>({"filename", "extension"});
 
-    QTest::newRow("no dot in the extension") << "a.csv"
-                                             << "txt";
-    QTest::newRow("dot inside the extension") << "a.csv"
-                                              << "t.xt";
-    QTest::newRow("empty extension") << "a.csv"
-                                     << "";
-    QTest::newRow("no dot in the name") << "a"
-                                        << ".txt";
-    QTest::newRow("empty name") << ""
-                                << ".txt";
+    add_row("no dot in the extension", "a.csv", "txt");
+    add_row("dot inside the extension", "a.csv", "t.xt");
+    add_row("empty extension", "a.csv", "");
+    add_row("no dot in the name", "a", ".txt");
+    add_row("empty name", "", ".txt");
 }
 
 void FileTest::change_extension_refuses()
@@ -186,16 +165,12 @@ void FileTest::make_path_fails_below_a_file()
 
 void FileTest::directory_of_is_absolute_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("directory");
+    add_columns<QString>({"path", "directory"});
 
-    QTest::newRow("absolute") << "/a/b/c.txt"
-                              << "/a/b";
-    QTest::newRow("in the root") << "/c.txt"
-                                 << "/";
+    add_row("absolute", "/a/b/c.txt", "/a/b");
+    add_row("in the root", "/c.txt", "/");
     QTest::newRow("relative") << "c.txt" << QDir::currentPath();
-    QTest::newRow("detour") << "/a/../b/c.txt"
-                            << "/b";
+    add_row("detour", "/a/../b/c.txt", "/b");
 }
 
 void FileTest::directory_of_is_absolute()
@@ -227,26 +202,18 @@ void FileTest::copy_file_needs_leave_to_overwrite()
 
 void FileTest::copy_file_never_copies_onto_itself_data()
 {
-    QTest::addColumn<QString>("source");
-    QTest::addColumn<QString>("target");
+    add_columns<QString>({"source", "target"});
 
     // "%1" stands for the directory of the file, which is also the current one.
-    QTest::newRow("same spelling") << "%1/file"
-                                   << "%1/file";
-    QTest::newRow("relative and absolute") << "file"
-                                           << "%1/file";
-    QTest::newRow("absolute and relative") << "%1/file"
-                                           << "file";
-    QTest::newRow("here") << "file"
-                          << "./file";
-    QTest::newRow("detour") << "%1/file"
-                            << "%1/sub/../file";
+    add_row("same spelling", "%1/file", "%1/file");
+    add_row("relative and absolute", "file", "%1/file");
+    add_row("absolute and relative", "%1/file", "file");
+    add_row("here", "file", "./file");
+    add_row("detour", "%1/file", "%1/sub/../file");
     QTest::newRow("doubled separator") << "%1/file"
                                        << "%1//file";
-    QTest::newRow("linked directory") << "%1/file"
-                                      << "%1/link/file";
-    QTest::newRow("linked file") << "%1/linked_file"
-                                 << "%1/file";
+    add_row("linked directory", "%1/file", "%1/link/file");
+    add_row("linked file", "%1/linked_file", "%1/file");
 }
 
 void FileTest::copy_file_never_copies_onto_itself()

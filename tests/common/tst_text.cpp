@@ -31,47 +31,17 @@ private slots:
 
 void TextTest::string_between_finds_what_lies_between_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<QString>("right");
-    QTest::addColumn<QString>("middle");
+    add_columns<QString>({"text", "left", "right", "middle"});
 
-    QTest::newRow("plain") << "a[b]c"
-                           << "["
-                           << "]"
-                           << "b";
-    QTest::newRow("nothing between") << "[]"
-                                     << "["
-                                     << "]"
-                                     << "";
-    QTest::newRow("first right after left") << "[a]b]"
-                                            << "["
-                                            << "]"
-                                            << "a";
-    QTest::newRow("first left") << "[a[b]"
-                                << "["
-                                << "]"
-                                << "a[b";
-    QTest::newRow("right before left does not count") << "]a[b]"
-                                                      << "["
-                                                      << "]"
-                                                      << "b";
-    QTest::newRow("same delimiter") << "a'b'c"
-                                    << "'"
-                                    << "'"
-                                    << "b";
-    QTest::newRow("long delimiters") << "x<<y>>z"
-                                     << "<<"
-                                     << ">>"
-                                     << "y";
-    QTest::newRow("delimiters do not overlap") << "aaba"
-                                               << "aa"
-                                               << "a"
-                                               << "b";
-    QTest::newRow("blanks are kept") << "( a )"
-                                     << "("
-                                     << ")"
-                                     << " a ";
+    add_row("plain", "a[b]c", "[", "]", "b");
+    add_row("nothing between", "[]", "[", "]", "");
+    add_row("first right after left", "[a]b]", "[", "]", "a");
+    add_row("first left", "[a[b]", "[", "]", "a[b");
+    add_row("right before left does not count", "]a[b]", "[", "]", "b");
+    add_row("same delimiter", "a'b'c", "'", "'", "b");
+    add_row("long delimiters", "x<<y>>z", "<<", ">>", "y");
+    add_row("delimiters do not overlap", "aaba", "aa", "a", "b");
+    add_row("blanks are kept", "( a )", "(", ")", " a ");
 }
 
 void TextTest::string_between_finds_what_lies_between()
@@ -87,34 +57,16 @@ void TextTest::string_between_finds_what_lies_between()
 
 void TextTest::string_between_leaves_the_output_alone_on_failure_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("left");
-    QTest::addColumn<QString>("right");
+    add_columns<QString>({"text", "left", "right"});
 
-    QTest::newRow("left is empty") << "a]"
-                                   << ""
-                                   << "]";
-    QTest::newRow("right is empty") << "[a"
-                                    << "["
-                                    << "";
-    QTest::newRow("no left") << "a]"
-                             << "["
-                             << "]";
-    QTest::newRow("no right") << "[a"
-                              << "["
-                              << "]";
-    QTest::newRow("right only before left") << "]a["
-                                            << "["
-                                            << "]";
-    QTest::newRow("one delimiter for both") << "a'b"
-                                            << "'"
-                                            << "'";
-    QTest::newRow("case differs") << "xAyBz"
-                                  << "a"
-                                  << "b";
-    QTest::newRow("empty text") << ""
-                                << "["
-                                << "]";
+    add_row("left is empty", "a]", "", "]");
+    add_row("right is empty", "[a", "[", "");
+    add_row("no left", "a]", "[", "]");
+    add_row("no right", "[a", "[", "]");
+    add_row("right only before left", "]a[", "[", "]");
+    add_row("one delimiter for both", "a'b", "'", "'");
+    add_row("case differs", "xAyBz", "a", "b");
+    add_row("empty text", "", "[", "]");
 }
 
 void TextTest::string_between_leaves_the_output_alone_on_failure()
@@ -129,39 +81,15 @@ void TextTest::string_between_leaves_the_output_alone_on_failure()
 
 void TextTest::split_at_first_splits_at_the_first_delimiter_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("delimiter");
-    QTest::addColumn<QString>("before");
-    QTest::addColumn<QString>("after");
+    add_columns<QString>({"text", "delimiter", "before", "after"});
 
-    QTest::newRow("plain") << "a=b"
-                           << "="
-                           << "a"
-                           << "b";
-    QTest::newRow("further delimiters") << "a=b=c"
-                                        << "="
-                                        << "a"
-                                        << "b=c";
-    QTest::newRow("at the start") << "=b"
-                                  << "="
-                                  << ""
-                                  << "b";
-    QTest::newRow("at the end") << "a="
-                                << "="
-                                << "a"
-                                << "";
-    QTest::newRow("only the delimiter") << "="
-                                        << "="
-                                        << ""
-                                        << "";
-    QTest::newRow("long delimiter") << "a::b"
-                                    << "::"
-                                    << "a"
-                                    << "b";
-    QTest::newRow("nothing is trimmed") << " a = b "
-                                        << "="
-                                        << " a "
-                                        << " b ";
+    add_row("plain", "a=b", "=", "a", "b");
+    add_row("further delimiters", "a=b=c", "=", "a", "b=c");
+    add_row("at the start", "=b", "=", "", "b");
+    add_row("at the end", "a=", "=", "a", "");
+    add_row("only the delimiter", "=", "=", "", "");
+    add_row("long delimiter", "a::b", "::", "a", "b");
+    add_row("nothing is trimmed", " a = b ", "=", " a ", " b ");
 }
 
 void TextTest::split_at_first_splits_at_the_first_delimiter()
@@ -179,17 +107,12 @@ void TextTest::split_at_first_splits_at_the_first_delimiter()
 
 void TextTest::split_at_first_leaves_the_outputs_alone_on_failure_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("delimiter");
+    add_columns<QString>({"text", "delimiter"});
 
-    QTest::newRow("delimiter is empty") << "a=b"
-                                        << "";
-    QTest::newRow("delimiter is absent") << "ab"
-                                         << "=";
-    QTest::newRow("case differs") << "aXb"
-                                  << "x";
-    QTest::newRow("empty text") << ""
-                                << "=";
+    add_row("delimiter is empty", "a=b", "");
+    add_row("delimiter is absent", "ab", "=");
+    add_row("case differs", "aXb", "x");
+    add_row("empty text", "", "=");
 }
 
 void TextTest::split_at_first_leaves_the_outputs_alone_on_failure()
@@ -214,28 +137,14 @@ void TextTest::split_at_first_may_write_into_its_own_text()
 
 void TextTest::string_before_gives_the_text_before_the_delimiter_data()
 {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("delimiter");
-    QTest::addColumn<QString>("before");
+    add_columns<QString>({"text", "delimiter", "before"});
 
-    QTest::newRow("plain") << "12.5"
-                           << "."
-                           << "12";
-    QTest::newRow("first of several") << "1.2.3"
-                                      << "."
-                                      << "1";
-    QTest::newRow("at the start") << ".5"
-                                  << "."
-                                  << "";
-    QTest::newRow("absent") << "12"
-                            << "."
-                            << "";
-    QTest::newRow("delimiter is empty") << "12"
-                                        << ""
-                                        << "";
-    QTest::newRow("empty text") << ""
-                                << "."
-                                << "";
+    add_row("plain", "12.5", ".", "12");
+    add_row("first of several", "1.2.3", ".", "1");
+    add_row("at the start", ".5", ".", "");
+    add_row("absent", "12", ".", "");
+    add_row("delimiter is empty", "12", "", "");
+    add_row("empty text", "", ".", "");
 }
 
 void TextTest::string_before_gives_the_text_before_the_delimiter()

@@ -160,31 +160,19 @@ void BatteryProfilesTest::a_file_without_a_header_loads_nothing()
 
 void BatteryProfilesTest::a_header_names_a_profile_data()
 {
-    QTest::addColumn<QString>("header");
-    QTest::addColumn<QString>("name");
+    add_columns<QString>({"header", "name"});
     const QString long_name(10000, 'n');
-    QTest::newRow("plain") << "[Pack]"
-                           << "Pack";
-    QTest::newRow("blanks around the brackets") << " \t[Pack] "
-                                                << "Pack";
-    QTest::newRow("blanks in the brackets stay") << "[ x ]"
-                                                 << " x ";
-    QTest::newRow("empty") << "[]"
-                           << "";
-    QTest::newRow("up to the first bracket") << "[a]b]"
-                                             << "a";
-    QTest::newRow("nothing before the first bracket") << "[]b]"
-                                                      << "";
-    QTest::newRow("an opening bracket in the name") << "[a[b]"
-                                                    << "a[b";
-    QTest::newRow("equals signs") << "[a=b==c]"
-                                  << "a=b==c";
-    QTest::newRow("quotes") << "['a' \"b\"]"
-                            << "'a' \"b\"";
-    QTest::newRow("percent signs") << "[%1 %2]"
-                                   << "%1 %2";
-    QTest::newRow("beyond Latin") << QString::fromUtf8("[Ω 電池 🔋]")
-                                  << QString::fromUtf8("Ω 電池 🔋");
+    add_row("plain", "[Pack]", "Pack");
+    add_row("blanks around the brackets", " \t[Pack] ", "Pack");
+    add_row("blanks in the brackets stay", "[ x ]", " x ");
+    add_row("empty", "[]", "");
+    add_row("up to the first bracket", "[a]b]", "a");
+    add_row("nothing before the first bracket", "[]b]", "");
+    add_row("an opening bracket in the name", "[a[b]", "a[b");
+    add_row("equals signs", "[a=b==c]", "a=b==c");
+    add_row("quotes", "['a' \"b\"]", "'a' \"b\"");
+    add_row("percent signs", "[%1 %2]", "%1 %2");
+    add_row("beyond Latin", QString::fromUtf8("[Ω 電池 🔋]"), QString::fromUtf8("Ω 電池 🔋"));
     QTest::newRow("10,000 characters") << "[" + long_name + "]" << long_name;
 }
 

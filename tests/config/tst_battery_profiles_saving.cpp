@@ -233,16 +233,11 @@ void BatteryProfilesSavingTest::a_closing_bracket_is_written_and_cuts_the_name()
 
 void BatteryProfilesSavingTest::a_name_of_several_lines_is_written_in_one_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("read");
-    QTest::newRow("LF") << "a\nb"
-                        << "a b";
-    QTest::newRow("CR LF") << "a\r\nb"
-                           << "a b";
-    QTest::newRow("like a variable") << "a\nnumber_of_cycles=x\n"
-                                     << "a number_of_cycles=x ";
-    QTest::newRow("like another profile") << "a]\n[b"
-                                          << "a";
+    add_columns<QString>({"name", "read"});
+    add_row("LF", "a\nb", "a b");
+    add_row("CR LF", "a\r\nb", "a b");
+    add_row("like a variable", "a\nnumber_of_cycles=x\n", "a number_of_cycles=x ");
+    add_row("like another profile", "a]\n[b", "a");
 }
 
 void BatteryProfilesSavingTest::a_name_of_several_lines_is_written_in_one()

@@ -141,8 +141,8 @@ void SettingsTest::a_malformed_file_ends_the_start_and_stays_data()
     QTest::newRow("comment") << QByteArray("; note\n[misc]\n");
     QTest::newRow("rubbish") << QByteArray("\xff\xfe\x01\x02", 4);
     // The former key was read before the bad line, and is not moved all the same.
-    QTest::newRow("archive directory before")
-        << QByteArray("[directories]\narchive_directory=/old\nrubbish\n");
+    add_row("archive directory before",
+            QByteArray("[directories]\narchive_directory=/old\nrubbish\n"));
 }
 
 void SettingsTest::a_malformed_file_ends_the_start_and_stays()
@@ -187,8 +187,8 @@ void SettingsTest::the_archive_directory_becomes_the_pdf_directory_data()
     QTest::addColumn<QByteArray>("before");
 
     QTest::newRow("alone") << QByteArray("[directories]\narchive_directory=/old\n");
-    QTest::newRow("with a PDF directory")
-        << QByteArray("[directories]\narchive_directory=/old\npdf_directory=/new\n");
+    add_row("with a PDF directory",
+            QByteArray("[directories]\narchive_directory=/old\npdf_directory=/new\n"));
 }
 
 void SettingsTest::the_archive_directory_becomes_the_pdf_directory()
@@ -285,19 +285,15 @@ void SettingsTest::every_setting_has_its_key()
 void SettingsTest::odd_values_data()
 {
     QTest::addColumn<QByteArray>("line");
-    QTest::addColumn<int>("rate");
-    QTest::addColumn<int>("width");
+    add_columns<int>({"rate", "width"});
     QTest::addColumn<bool>("debug");
 
     QTest::newRow("rate is a word") << QByteArray("chart_refresh_rate_hz=abc") << 3 << 0 << false;
     QTest::newRow("rate is empty") << QByteArray("chart_refresh_rate_hz=") << 3 << 0 << false;
-    QTest::newRow("rate beyond 32 bits")
-        << QByteArray("chart_refresh_rate_hz=4294967301") << 3 << 0 << false;
-    QTest::newRow("rate is not checked")
-        << QByteArray("chart_refresh_rate_hz=0") << 0 << 0 << false;
+    add_row("rate beyond 32 bits", QByteArray("chart_refresh_rate_hz=4294967301"), 3, 0, false);
+    add_row("rate is not checked", QByteArray("chart_refresh_rate_hz=0"), 0, 0, false);
     QTest::newRow("nor its range") << QByteArray("chart_refresh_rate_hz=-20") << -20 << 0 << false;
-    QTest::newRow("rate in hexadecimal")
-        << QByteArray("chart_refresh_rate_hz=0x0A") << 10 << 0 << false;
+    add_row("rate in hexadecimal", QByteArray("chart_refresh_rate_hz=0x0A"), 10, 0, false);
     QTest::newRow("width is a word") << QByteArray("test_station_width_px=wide") << 3 << 0 << false;
     QTest::newRow("width") << QByteArray("test_station_width_px=300") << 3 << 300 << false;
     QTest::newRow("yes") << QByteArray("show_debug_info=yes") << 3 << 0 << false;

@@ -22,8 +22,7 @@ private slots:
 void TelemetryLineTest::valid_lines_are_read_data()
 {
     QTest::addColumn<QString>("line");
-    QTest::addColumn<double>("voltage");
-    QTest::addColumn<double>("current");
+    add_columns<double>({"voltage", "current"});
     QTest::addColumn<int>("id");
     QTest::addColumn<KestrometerState>("state");
     const auto row = [](const char* name, const char* line, double voltage, double current, int id,
@@ -76,8 +75,7 @@ void TelemetryLineTest::valid_lines_are_read()
 void TelemetryLineTest::invalid_lines_end_at_the_field_that_fails_data()
 {
     QTest::addColumn<QString>("line");
-    QTest::addColumn<double>("voltage");
-    QTest::addColumn<double>("current");
+    add_columns<double>({"voltage", "current"});
     QTest::addColumn<int>("id");
     const auto row = [](const char* name, const char* line, double voltage, double current,
                         int id) {

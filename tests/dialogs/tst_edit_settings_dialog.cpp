@@ -240,15 +240,12 @@ void EditSettingsDialogTest::every_change_reaches_the_file()
 
 void EditSettingsDialogTest::a_check_box_alone_is_a_change_data()
 {
-    QTest::addColumn<QByteArray>("check_box");
-    QTest::addColumn<QByteArray>("line");
+    add_columns<QByteArray>({"check_box", "line"});
 
-    QTest::newRow("copy logs") << QByteArray("cbCopyLogs")
-                               << QByteArray("copy_logs_when_pdf_generated=Yes\n");
-    QTest::newRow("debug") << QByteArray("cbShowDebugInformation")
-                           << QByteArray("show_debug_info=Yes\n");
-    QTest::newRow("telemetry") << QByteArray("cbLogAllTelemetry")
-                               << QByteArray("log_all_telemetry=Yes\n");
+    add_row("copy logs", QByteArray("cbCopyLogs"),
+            QByteArray("copy_logs_when_pdf_generated=Yes\n"));
+    add_row("debug", QByteArray("cbShowDebugInformation"), QByteArray("show_debug_info=Yes\n"));
+    add_row("telemetry", QByteArray("cbLogAllTelemetry"), QByteArray("log_all_telemetry=Yes\n"));
 }
 
 void EditSettingsDialogTest::a_check_box_alone_is_a_change()

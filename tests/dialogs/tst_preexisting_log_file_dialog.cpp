@@ -43,21 +43,15 @@ void click(QWidget* dialog, const char* button)
 void PreexistingLogFileDialogTest::the_form_is_exact_data()
 {
     QTest::addColumn<int>("place");
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("label")
-        << 0 << "QLabel"
-        << "A log file already exists for the specified battery and serial number.";
-    QTest::newRow("label_2") << 1 << "QLabel"
-                             << "What do you want to do?";
-    QTest::newRow("rbAppend") << 2 << "QRadioButton"
-                              << "Append to existing log";
-    QTest::newRow("rbOverwrite") << 3 << "QRadioButton"
-                                 << "Overwrite (delete) existing log";
-    QTest::newRow("rbSuffix") << 4 << "QRadioButton"
-                              << "Begin a new log file with a suffix to differentiate it";
-    QTest::newRow("frame") << 5 << "QFrame"
-                           << "";
+    add_columns<QString>({"kind", "text"});
+    add_row("label", 0, "QLabel",
+            "A log file already exists for the specified battery and serial number.");
+    add_row("label_2", 1, "QLabel", "What do you want to do?");
+    add_row("rbAppend", 2, "QRadioButton", "Append to existing log");
+    add_row("rbOverwrite", 3, "QRadioButton", "Overwrite (delete) existing log");
+    add_row("rbSuffix", 4, "QRadioButton",
+            "Begin a new log file with a suffix to differentiate it");
+    add_row("frame", 5, "QFrame", "");
 }
 
 void PreexistingLogFileDialogTest::the_form_is_exact()

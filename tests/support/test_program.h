@@ -28,6 +28,13 @@ template <typename Application, typename Tests> int run_tests(int argc, char** a
     return QTest::qExec(&tests, argc, argv);
 }
 
+/** Columns of one type, in this order: add_columns<QString>({"name", "number"}). */
+template <typename Type> void add_columns(std::initializer_list<const char*> names)
+{
+    for (const char* name : names)
+        QTest::addColumn<Type>(name);
+}
+
 /** A row of a data table in one line: add_row("both good", "Pack A", "1042", true). */
 template <typename... Values> void add_row(const char* name, const Values&... values)
 {

@@ -18,8 +18,7 @@ private slots:
 
 void FaultLinesTest::a_bad_line_is_told_and_changes_nothing_data()
 {
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QString>("error");
+    add_columns<QString>({"line", "error"});
     const auto row = [](const char* line, const char* error) {
         QTest::newRow(line) << line << error;
     };
@@ -33,26 +32,17 @@ void FaultLinesTest::a_bad_line_is_told_and_changes_nothing_data()
     row("field 1", "Fault \"field\" needs more: field <field> <text> [lines=1].");
     row("echo on", "Fault \"echo\" takes less: echo.");
     row("garbage 1 2", "Fault \"garbage\" takes less: garbage [lines=1].");
-    QTest::newRow("no lines") << "garbage 0"
-                              << "Fault \"garbage\": \"0\" " + lines;
-    QTest::newRow("negative lines") << "garbage -1"
-                                    << "Fault \"garbage\": \"-1\" " + lines;
-    QTest::newRow("half a line") << "garbage 1.5"
-                                 << "Fault \"garbage\": \"1.5\" " + lines;
-    QTest::newRow("too many lines") << "garbage 1000001"
-                                    << "Fault \"garbage\": \"1000001\" " + lines;
-    QTest::newRow("lines beyond 64 bits") << "garbage 99999999999999999999"
-                                          << "Fault \"garbage\": \"99999999999999999999\" " + lines;
-    QTest::newRow("words for lines") << "garbage x"
-                                     << "Fault \"garbage\": \"x\" " + lines;
-    QTest::newRow("no time") << "silence 0"
-                             << "Fault \"silence\": \"0\" " + seconds;
-    QTest::newRow("infinite time") << "silence inf"
-                                   << "Fault \"silence\": \"inf\" " + seconds;
-    QTest::newRow("nan time") << "silence nan"
-                              << "Fault \"silence\": \"nan\" " + seconds;
-    QTest::newRow("comma") << "silence 1,5"
-                           << "Fault \"silence\": \"1,5\" " + seconds;
+    add_row("no lines", "garbage 0", "Fault \"garbage\": \"0\" " + lines);
+    add_row("negative lines", "garbage -1", "Fault \"garbage\": \"-1\" " + lines);
+    add_row("half a line", "garbage 1.5", "Fault \"garbage\": \"1.5\" " + lines);
+    add_row("too many lines", "garbage 1000001", "Fault \"garbage\": \"1000001\" " + lines);
+    add_row("lines beyond 64 bits", "garbage 99999999999999999999",
+            "Fault \"garbage\": \"99999999999999999999\" " + lines);
+    add_row("words for lines", "garbage x", "Fault \"garbage\": \"x\" " + lines);
+    add_row("no time", "silence 0", "Fault \"silence\": \"0\" " + seconds);
+    add_row("infinite time", "silence inf", "Fault \"silence\": \"inf\" " + seconds);
+    add_row("nan time", "silence nan", "Fault \"silence\": \"nan\" " + seconds);
+    add_row("comma", "silence 1,5", "Fault \"silence\": \"1,5\" " + seconds);
     row("burst forever",
         "Fault \"burst\": \"forever\" is not a number of seconds from 0.001 to 100000.");
     row("slow 1001", "Fault \"slow\": \"1001\" is not a whole number from 1 to 1000.");

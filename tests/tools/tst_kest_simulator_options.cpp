@@ -25,23 +25,19 @@ private slots:
 void KestSimulatorOptionsTest::pack_options_shape_the_readings_data()
 {
     QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QByteArray>("off");
-    QTest::addColumn<QByteArray>("charging");
-    QTest::addColumn<QByteArray>("discharging");
-    QTest::newRow("cells") << QStringList{"--cells", "10"} << QByteArray("37.20\t0.0")
-                           << QByteArray("37.80\t4.0") << QByteArray("36.45\t5.0");
-    QTest::newRow("charge") << QStringList{"--charge", "10"} << QByteArray("20.70\t0.0")
-                            << QByteArray("21.30\t4.0") << QByteArray("19.95\t5.0");
-    QTest::newRow("resistance") << QStringList{"--resistance", "20"} << QByteArray("22.32\t0.0")
-                                << QByteArray("22.40\t4.0") << QByteArray("22.22\t5.0");
-    QTest::newRow("charger's current")
-        << QStringList{"--charger-current", "1"} << QByteArray("22.32\t0.0")
-        << QByteArray("22.47\t1.0") << QByteArray("21.57\t5.0");
-    QTest::newRow("charger's voltage")
-        << QStringList{"--charger-voltage", "3.75"} << QByteArray("22.32\t0.0")
-        << QByteArray("22.50\t1.2") << QByteArray("21.57\t5.0");
-    QTest::newRow("load") << QStringList{"--load", "2.5"} << QByteArray("22.32\t0.0")
-                          << QByteArray("22.92\t4.0") << QByteArray("21.95\t2.5");
+    add_columns<QByteArray>({"off", "charging", "discharging"});
+    add_row("cells", QStringList{"--cells", "10"}, QByteArray("37.20\t0.0"),
+            QByteArray("37.80\t4.0"), QByteArray("36.45\t5.0"));
+    add_row("charge", QStringList{"--charge", "10"}, QByteArray("20.70\t0.0"),
+            QByteArray("21.30\t4.0"), QByteArray("19.95\t5.0"));
+    add_row("resistance", QStringList{"--resistance", "20"}, QByteArray("22.32\t0.0"),
+            QByteArray("22.40\t4.0"), QByteArray("22.22\t5.0"));
+    add_row("charger's current", QStringList{"--charger-current", "1"}, QByteArray("22.32\t0.0"),
+            QByteArray("22.47\t1.0"), QByteArray("21.57\t5.0"));
+    add_row("charger's voltage", QStringList{"--charger-voltage", "3.75"}, QByteArray("22.32\t0.0"),
+            QByteArray("22.50\t1.2"), QByteArray("21.57\t5.0"));
+    add_row("load", QStringList{"--load", "2.5"}, QByteArray("22.32\t0.0"),
+            QByteArray("22.92\t4.0"), QByteArray("21.95\t2.5"));
 }
 
 void KestSimulatorOptionsTest::pack_options_shape_the_readings()
@@ -61,16 +57,11 @@ void KestSimulatorOptionsTest::pack_options_shape_the_readings()
 
 void KestSimulatorOptionsTest::a_link_that_cannot_be_made_ends_with_status_1_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("reason");
-    QTest::newRow("a file is there") << "file"
-                                     << "exists and is no symbolic link.";
-    QTest::newRow("a folder is there") << "."
-                                       << "exists and is no symbolic link.";
-    QTest::newRow("no such folder") << "none/kest0"
-                                    << "cannot be made: No such file or directory.";
-    QTest::newRow("below a file") << "file/kest0"
-                                  << "cannot be made: Not a directory.";
+    add_columns<QString>({"name", "reason"});
+    add_row("a file is there", "file", "exists and is no symbolic link.");
+    add_row("a folder is there", ".", "exists and is no symbolic link.");
+    add_row("no such folder", "none/kest0", "cannot be made: No such file or directory.");
+    add_row("below a file", "file/kest0", "cannot be made: Not a directory.");
 }
 
 void KestSimulatorOptionsTest::a_link_that_cannot_be_made_ends_with_status_1()

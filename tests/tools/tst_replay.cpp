@@ -129,16 +129,11 @@ void ReplayTest::a_file_is_read_whole()
 
 void ReplayTest::what_cannot_be_played_is_told_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("error");
-    QTest::newRow("no file") << "missing.txt"
-                             << "%1 cannot be read: No such file or directory";
-    QTest::newRow("empty file") << "empty.txt"
-                                << "%1 holds no telemetry.";
-    QTest::newRow("events alone") << "events.txt"
-                                  << "%1 holds no telemetry.";
-    QTest::newRow("a folder") << "."
-                              << "%1 cannot be read: file to open is a directory";
+    add_columns<QString>({"name", "error"});
+    add_row("no file", "missing.txt", "%1 cannot be read: No such file or directory");
+    add_row("empty file", "empty.txt", "%1 holds no telemetry.");
+    add_row("events alone", "events.txt", "%1 holds no telemetry.");
+    add_row("a folder", ".", "%1 cannot be read: file to open is a directory");
 }
 
 void ReplayTest::what_cannot_be_played_is_told()

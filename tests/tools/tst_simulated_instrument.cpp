@@ -54,14 +54,10 @@ void SimulatedInstrumentTest::a_fresh_instrument_is_off_and_talks_unasked()
 
 void SimulatedInstrumentTest::each_command_is_seen_on_the_next_line_data()
 {
-    QTest::addColumn<QByteArray>("command");
-    QTest::addColumn<QByteArray>("line");
-    QTest::newRow("off") << QByteArray("O")
-                         << QByteArray("KEST\t22.32\t0.0\t25.0\t0\tID=31\tO\r\n");
-    QTest::newRow("charge") << QByteArray("C")
-                            << QByteArray("KEST\t22.92\t4.0\t25.0\t0\tID=31\tC\r\n");
-    QTest::newRow("discharge") << QByteArray("D")
-                               << QByteArray("KEST\t21.57\t5.0\t25.0\t0\tID=31\tD\r\n");
+    add_columns<QByteArray>({"command", "line"});
+    add_row("off", QByteArray("O"), QByteArray("KEST\t22.32\t0.0\t25.0\t0\tID=31\tO\r\n"));
+    add_row("charge", QByteArray("C"), QByteArray("KEST\t22.92\t4.0\t25.0\t0\tID=31\tC\r\n"));
+    add_row("discharge", QByteArray("D"), QByteArray("KEST\t21.57\t5.0\t25.0\t0\tID=31\tD\r\n"));
 }
 
 void SimulatedInstrumentTest::each_command_is_seen_on_the_next_line()
@@ -95,8 +91,7 @@ void SimulatedInstrumentTest::other_bytes_are_no_commands()
 
 void SimulatedInstrumentTest::the_voltage_has_two_decimals_and_the_current_one_data()
 {
-    QTest::addColumn<double>("volts");
-    QTest::addColumn<double>("amps");
+    add_columns<double>({"volts", "amps"});
     QTest::addColumn<QByteArray>("fields");
     QTest::newRow("zero") << 0.0 << 0.0 << QByteArray("0.00\t0.0");
     QTest::newRow("minus zero") << -0.0 << -0.0 << QByteArray("0.00\t0.0");
