@@ -9,7 +9,9 @@ namespace
 class WheelFilter : public QObject
 {
 public:
-    using QObject::QObject;
+    explicit WheelFilter(QObject* owner) : QObject(owner)
+    {
+    }
 
     /** An event that is stopped but not accepted goes on to what the box lies in. */
     bool eventFilter(QObject* box, QEvent* event) override

@@ -34,16 +34,23 @@ changed_files()
     of_git ls-files --others --exclude-standard '*.cpp' '*.h'
 }
 
-# A header is read through its own source, or else through one that includes it.
+# A header is read through its own source, or else through one that includes it, if any does.
+source_of_header()
+{
+    if [[ -f ${1%.h}.cpp ]]; then
+        printf '%s\n' "${1%.h}.cpp"
+    else
+        of_git grep --files-with-matches "include \".*\b${1##*/}\"" -- '*.cpp' | head -n 1 || true
+    fi
+}
+
 sources_of()
 {
     local file
     while IFS= read -r file; do
         case $file in
             *.cpp) printf '%s\n' "$file" ;;
-            *) [[ -f ${file%.h}.cpp ]] && printf '%s\n' "${file%.h}.cpp" ||
-                of_git grep --files-with-matches "include \".*\b${file##*/}\"" -- '*.cpp' |
-                sed 1q ;;
+            *) source_of_header "$file" ;;
         esac
     done
 }
