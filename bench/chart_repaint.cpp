@@ -156,7 +156,7 @@ void compare_with_limit(Table& table, View& view, Filling filling, double interv
                              .arg(POINTS)
                              .arg(filling == RUNNING ? "appended in turn" : "loaded",
                                   interval > 0.0 ? "smoothed" : "every sample");
-    table.add(name, repeats, curves > 10 && interval > 0.0 ? 0.90 : 1.05,
+    table.add(name, repeats, curves > 10 && interval > 0.0 ? 1.00 : 1.05,
               repeated(repeats, [&] { view.paint_image(interval); }),
               repeated(repeats, [&] { bare.paint(bare_image); }));
     if (interval > 0.0)

@@ -96,7 +96,7 @@ BenchRow measure_scan(const char* work, Filling filling)
     if (find_closest_point(view.series, MOUSE).point != plainly_closest(view.series, MOUSE))
         std::printf("The two ways do not find the same point.\n");
     return measure(
-        work, 1, 0.85, [&view] { keep(find_closest_point(view.series, MOUSE).point.x()); },
+        work, 1, 0.90, [&view] { keep(find_closest_point(view.series, MOUSE).point.x()); },
         [&view] { keep(plainly_closest(view.series, MOUSE).x()); });
 }
 }  // namespace
