@@ -8,11 +8,15 @@ import resource
 import signal
 import subprocess
 import tempfile
+import threading
 import time
 from dataclasses import dataclass
 
 MEMORY_LIMIT = 4 << 30
 FILE_LIMIT = 256 << 20
+LONGEST_CLASS_S = 900
+FIRST_LIMIT_S = 120
+NO_END = "no end"
 
 
 @dataclass
@@ -65,25 +69,47 @@ def run_class(test, number, limit):
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             process.communicate()
-            return False, "no end"
+            return False, NO_END
         if process.returncode == 0:
             return True, ""
         failed = re.search(r"^(?:FAIL!|XPASS|QFATAL)\s*:\s*(.*)", output, re.M)
         return False, failed.group(1) if failed else "status %d" % process.returncode
 
 
-def measure(classes, report):
-    """The classes that pass without a mutant, each with its time."""
-    good = []
-    for test in classes:
-        begin = time.monotonic()
-        passed, why = run_class(test, 0, 600)
-        test.seconds = time.monotonic() - begin
-        if passed:
-            good.append(test)
-        else:
-            report("left out, as it fails without a mutant: %s (%s)" % (test.name, why))
-    return good
+class Classes:
+    """The classes of tests, each tried without a mutant before its word against one counts."""
+
+    def __init__(self, all_of_them, report):
+        self.all, self.report = all_of_them, report
+        self.lock, self.checked = threading.Lock(), {}
+
+    def is_sound(self, test):
+        """Whether the class passes without a mutant, and how long that takes."""
+        with self.lock:
+            if test.name not in self.checked:
+                begin = time.monotonic()
+                passed, why = run_class(test, 0, LONGEST_CLASS_S)
+                test.seconds = time.monotonic() - begin
+                self.checked[test.name] = passed
+                if not passed:
+                    self.report("left out, as it fails without a mutant: %s (%s)" % (test.name, why))
+            return self.checked[test.name]
+
+    def limit(self, test):
+        """Nobody else's load may pass for a test that has no end."""
+        return FIRST_LIMIT_S if test.name not in self.checked else 20 + 10 * test.seconds
+
+    def notices(self, test, number):
+        """How the class fails with the mutant, or None."""
+        if self.checked.get(test.name) is False:
+            return None
+        was_checked = test.name in self.checked
+        passed, why = run_class(test, number, self.limit(test))
+        if passed or not self.is_sound(test):
+            return None
+        if why == NO_END and not was_checked:
+            passed, why = run_class(test, number, self.limit(test))
+        return None if passed else why
 
 
 def in_order(classes, mutant):
@@ -96,10 +122,10 @@ def in_order(classes, mutant):
     return sorted(classes, key=rank)
 
 
-def try_mutant(classes, number, mutant):
-    """Which class noticed the mutant and how, or None."""
-    for test in in_order(classes, mutant):
-        passed, why = run_class(test, number, 20 + 10 * test.seconds)
-        if not passed:
+def try_mutant(classes, folders, number, mutant):
+    """Which class of these folders noticed the mutant and how, or None."""
+    for test in in_order([t for t in classes.all if t.folder in folders], mutant):
+        why = classes.notices(test, number)
+        if why is not None:
             return "%s: %s" % (test.name, why)
     return None
