@@ -6,8 +6,10 @@ from dataclasses import dataclass
 CHARGING = ("Charging", "Charging (final)", "Full Charge Test", "Final Charge Test")
 HELD = ("IR Test", "Recovering from IR Test")  # the readings from before the test are logged
 LEAST_CURRENT = 0.01
-EVENT = re.compile(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d (.*)$", re.S)
-NUMBER = re.compile(r"[+-]?\d+(\.\d*)?")
+STAMP = r"\d{4}-\d\d-\d\d \d\d:\d\d:\d\d "
+EVENT = re.compile("^" + STAMP + "(.*)$", re.S)
+NUMBER = re.compile(r"\s*([+-]?(\d+\.?\d*|\.\d+)([eE][+-]?\d+)?|[+-]?inf|nan)\s*")
+WHOLE = re.compile(r"\s*([+-]?\d+|0[xX][0-9a-fA-F]+)\s*")
 
 
 @dataclass
@@ -18,17 +20,28 @@ class Row:
 
 def qualifies(fields):
     """By the rules for a line of telemetry: seven fields, numbers, an id, one letter."""
-    return (
-        len(fields) == 7 and all(NUMBER.fullmatch(field.strip()) for field in fields[1:3])
-        and re.fullmatch(r"ID=\d+", fields[5]) is not None and len(fields[6]) == 1
-    )
+    if len(fields) != 7 or not all(NUMBER.fullmatch(field) for field in fields[1:3]):
+        return False
+    number = fields[5].replace("ID=", "")
+    if not WHOLE.fullmatch(number) or len(fields[6]) != 1:
+        return False
+    return -(2**31) <= int(number, 16 if "x" in number.lower() else 10) < 2**31
+
+
+def texts_of(event_log):
+    """Without their times. A line of telemetry may hold a line break of its own."""
+    records = re.split(r"\n(?=" + STAMP + ")", event_log.removesuffix("\n"))
+    return [match.group(1) for match in map(EVENT.match, records) if match]
+
+
+def lines_of_telemetry(event_log):
+    return [text.split("\t") for text in texts_of(event_log) if "\t" in text]
 
 
 def expected_rows(event_log):
     """One entry for each line of telemetry that was logged: its row, or None."""
     phase, current, rows = "", 0.0, []
-    lines = [EVENT.match(line) for line in event_log.split("\n")]
-    texts = [match.group(1) for match in lines if match]
+    texts = texts_of(event_log)
     for at, text in enumerate(texts):
         switched = re.match(r"Switching to phase (.*?) because ", text)
         if switched:
@@ -64,12 +77,12 @@ def rows_of(data_log):
     return rows
 
 
-def missing_rows(event_log, data_log):
-    """(rows there must be, what is wrong or None): every line but the last has its row, in order."""
+def missing_rows(event_log, data_log, may_lack_last=True):
+    """(rows there must be, what is wrong or None): every line has its row, in order; not yet the last."""
     lines = expected_rows(event_log)
     wanted = [row for row in lines if row is not None]
     got = rows_of(data_log)
-    least = len(wanted) - (1 if lines and lines[-1] is not None else 0)
+    least = len(wanted) - (1 if may_lack_last and lines and lines[-1] is not None else 0)
     if not least <= len(got) <= len(wanted):
         return least, "%d rows for %d lines" % (len(got), len(wanted))
     for number, (row, line) in enumerate(zip(got, wanted)):
