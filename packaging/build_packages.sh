@@ -14,7 +14,7 @@ else
     [[ -z $(ls -A "$target" 2>/dev/null) ]] || fail "$target is not empty."
 fi
 
-require_packages build package
+require_packages build package programs
 source_folder=$target/source
 mkdir -p "$source_folder"
 

@@ -91,12 +91,22 @@ void says_nothing(Seen& seen)
     says({}, {})(seen);
 }
 
-QList<Situation> situations()
+namespace
 {
-    QList<Situation> rows;
-    const auto row = [&rows](const char* name, const Change& change, const QString& line) {
-        rows.append({name, change, line});
-    };
+/** Takes a row of the table: name, change, and what is then told. */
+class Rows
+{
+public:
+    void operator()(const char* name, const Change& change, const QString& line)
+    {
+        all.append({name, change, line});
+    }
+
+    QList<Situation> all;
+};
+
+void add_stores(Rows& row)
+{
     const QString at_start = "The program ends at its start: ";
     row("settings folder cannot be made", store(0, StoreState::NoFolder, "/home/ann/my data/k"),
         "settings-no-folder|" + at_start +
@@ -119,6 +129,10 @@ QList<Situation> situations()
         "store-refused|" + at_start +
             "in its settings file /s/kestrometer.cfg, line 3 is neither.|"
             "editor +3 /s/kestrometer.cfg");
+}
+
+void add_missing_ports(Rows& row)
+{
     row(
         "no port", [](Seen& seen) { seen.ports.clear(); },
         "no-port|There is no USB serial port: no instrument is plugged in, or by a cable that "
@@ -156,6 +170,10 @@ QList<Situation> situations()
         "no node", [](Seen& seen) { seen.ports[0].has_node = false; },
         "no-node|The kernel knows the port ttyUSB0, but there is no /dev/ttyUSB0.|"
         "sudo udevadm trigger --subsystem-match=tty");
+}
+
+void add_closed_ports(Rows& row)
+{
     row("not in the group", closed([](SeenPort&) {}),
         "no-permission|You may not open ttyUSB0: it belongs to the group dialout, and ann is not "
         "in "
@@ -183,6 +201,10 @@ QList<Situation> situations()
         },
         "busy|ttyUSB0 is in use by minicom (process 4242), so that no instrument shows on it. End "
         "that program.|kill 4242");
+}
+
+void add_speech(Rows& row)
+{
     row("silent", says({}, {}),
         "silent|ttyUSB0 was silent: the instrument has no power, its plug is out, or it is in its "
         "bootloader. See to power and plug first; the command gets it out of its bootloader and "
@@ -201,6 +223,10 @@ QList<Situation> situations()
     row("a long line", says(QByteArray(70, 'a') + "\r\n", QString(70, 'a')),
         foreign.arg(QString(60, 'a') + "...",
                     "has no TAB, where telemetry has 7 fields between TABs"));
+}
+
+void add_machine(Rows& row)
+{
     row(
         "ModemManager", [](Seen& seen) { seen.modem_manager = true; },
         "modem-manager|ModemManager runs, and nothing keeps it away from ttyUSB0. What it sends to "
@@ -246,6 +272,10 @@ QList<Situation> situations()
         "folder-on-network|The log folder /home/ann/logs lies on a network (nfs4): a test stumbles "
         "when the network does. Choose a folder of this computer in File, Settings and copy from "
         "there.|");
+}
+
+void add_sleep_and_clock(Rows& row)
+{
     row(
         "sleep",
         [](Seen& seen) {
@@ -260,6 +290,10 @@ QList<Situation> situations()
         "zone", [](Seen& seen) { seen.clock.has_zone = false; },
         "no-zone|No time zone is set: the times in the logs are UTC.|"
         "sudo dpkg-reconfigure tzdata");
+}
+
+void add_notes(Rows& row)
+{
     row(
         "a port of the computer",
         [](Seen& seen) {
@@ -298,5 +332,19 @@ QList<Situation> situations()
     row(
         "no folder chosen", [](Seen& seen) { seen.folders[0].path.clear(); },
         "no-folder-chosen|No log folder is chosen yet: File, Settings does that.|");
-    return rows;
+}
+
+}  // namespace
+
+QList<Situation> situations()
+{
+    Rows rows;
+    add_stores(rows);
+    add_missing_ports(rows);
+    add_closed_ports(rows);
+    add_speech(rows);
+    add_machine(rows);
+    add_sleep_and_clock(rows);
+    add_notes(rows);
+    return rows.all;
 }
