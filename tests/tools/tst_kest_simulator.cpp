@@ -38,6 +38,9 @@ private slots:
     void it_ends_when_asked_data();
     void it_ends_when_asked();
     void it_ends_with_standard_input_only_if_asked();
+    void it_lingers_while_somebody_has_the_port();
+    void the_record_tells_what_came_in_order();
+    void a_record_that_cannot_be_made_ends_with_status_1();
 };
 
 void KestSimulatorTest::the_first_line_is_the_path_of_the_port()
@@ -336,6 +339,54 @@ void KestSimulatorTest::it_ends_with_standard_input_only_if_asked()
     Reader reader(path);
     QVERIFY(reader.reads("ID=8\tO\r\n"));
     QCOMPARE(other.process.state(), QProcess::Running);
+}
+
+void KestSimulatorTest::it_lingers_while_somebody_has_the_port()
+{
+    Simulator simulator(STEADY + QStringList{"--linger", "0.01"});
+    auto reader = std::make_unique<Reader>(simulator.next_line());
+    QVERIFY(reader->reads(OFF));
+    simulator.process.closeWriteChannel();
+    reader->write("D");
+    QVERIFY(reader->reads(DISCHARGING.repeated(20)));
+    QCOMPARE(simulator.process.state(), QProcess::Running);
+    reader.reset();
+    QVERIFY(simulator.ends_with(0));
+}
+
+void KestSimulatorTest::the_record_tells_what_came_in_order()
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath("record");
+    Simulator simulator(STEADY + QStringList{"--record", path});
+    {
+        Reader reader(simulator.next_line());
+        QVERIFY(reader.reads(OFF));
+        reader.write("D");
+        QVERIFY(reader.reads(DISCHARGING));
+        reader.write("U");
+        QTRY_VERIFY_WITH_TIMEOUT(content_of(path).endsWith("55\n"), PATIENCE_MS);
+    }
+    QTRY_VERIFY_WITH_TIMEOUT(content_of(path).endsWith("closed\n"), PATIENCE_MS);
+    simulator.process.terminate();
+    QVERIFY(simulator.ends_with(0));
+    qint64 lines = 0;
+    QByteArray happened;
+    for (const QByteArray& row : content_of(path).trimmed().split('\n')) {
+        QVERIFY(row.split('\t')[0].toLongLong() >= lines);
+        lines = row.split('\t')[0].toLongLong();
+        happened += row.mid(row.indexOf('\t') + 1).replace('\t', ' ') + "; ";
+    }
+    QCOMPARE(happened, QByteArray("O opened; D 44; O 55; O closed; O ended; "));
+}
+
+void KestSimulatorTest::a_record_that_cannot_be_made_ends_with_status_1()
+{
+    Simulator simulator({"--record", "/no/such/folder/record"});
+    QVERIFY(simulator.ends_with(1));
+    QCOMPARE(simulator.next_complaint(),
+             QByteArray("kest-simulator: /no/such/folder/record cannot be written: No such file or "
+                        "directory\n"));
 }
 
 KEST_GUILESS_TEST(KestSimulatorTest)

@@ -91,7 +91,8 @@ void KestSimulatorOptionsTest::help_tells_every_option_and_every_fault()
          {"--rate <lines>", "--speed <factor>", "--id <number>", "--delay <lines>",
           "--cells <count>", "--capacity <Ah>", "--charge <percent>", "--resistance <milliohms>",
           "--charger-current <A>", "--charger-voltage <V>", "--load <A>", "--link <path>",
-          "--fault <text>", "--replay <file>", "--exit-at-end", "--exit-with-stdin", "--help"})
+          "--fault <text>", "--replay <file>", "--exit-at-end", "--exit-with-stdin",
+          "--linger <seconds>", "--record <path>", "--help"})
         QVERIFY2(help.contains(option), option);
     QVERIFY(help.endsWith("\nFaults:\n\n" + fault_help()));
     QCOMPARE(simulator.process.readAllStandardError(), QByteArray());
@@ -113,7 +114,7 @@ void KestSimulatorOptionsTest::the_manual_tells_every_option()
         const QString option = options.next().captured(2);
         QVERIFY2(text.contains(QString("| `%1` | ").arg(option)), qPrintable(option));
     }
-    QCOMPARE(count, 17);
+    QCOMPARE(count, 19);
 }
 
 void KestSimulatorOptionsTest::a_bad_argument_is_told_data()
@@ -155,6 +156,8 @@ void KestSimulatorOptionsTest::a_bad_argument_is_told_data()
         "--fault: Fault \"silence\" needs more: silence <seconds>.");
     row({"--link", ""}, "--link needs a path.");
     row({"--replay", ""}, "--replay needs a path.");
+    row({"--record", ""}, "--record needs a path.");
+    row({"--linger", "-1"}, "--linger: \"-1\" is not a number from 0 to 3600.");
     row({"--replay", "/no/such/file"}, "/no/such/file cannot be read: No such file or directory");
     row({"--replay", "/dev/null"}, "/dev/null holds no telemetry.");
     row({"--exit-at-end"}, "--exit-at-end goes with --replay only.");

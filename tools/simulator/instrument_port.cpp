@@ -21,6 +21,7 @@ InstrumentPort::InstrumentPort(const QString& link_path) : link(link_path)
     connect(&next_byte, &QTimer::timeout, this, &InstrumentPort::send_queue);
     connect(&readers, &PortReaders::sig_first_one_came, this, &InstrumentPort::sig_reader_came);
     connect(&readers, &PortReaders::sig_last_one_left, this, &InstrumentPort::drop_queue);
+    connect(&readers, &PortReaders::sig_last_one_left, this, &InstrumentPort::sig_readers_left);
 }
 
 InstrumentPort::~InstrumentPort()
@@ -41,6 +42,8 @@ bool InstrumentPort::open(QString& error)
     writable->setEnabled(false);
     connect(readable.get(), &QSocketNotifier::activated, this, [this] {
         const QByteArray bytes = terminal.read();
+        // Whoever sends has come before.
+        readers.catch_up();
         if (!bytes.isEmpty())
             emit sig_received(bytes);
     });

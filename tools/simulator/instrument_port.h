@@ -45,6 +45,7 @@ public:
 signals:
     void sig_received(const QByteArray& bytes);
     void sig_reader_came();
+    void sig_readers_left();
 
 private:
     struct Piece

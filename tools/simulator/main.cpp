@@ -70,6 +70,6 @@ int main(int argc, char* argv[])
     QObject::connect(&run, &SimulatorRun::sig_end, &application, &QCoreApplication::quit);
     QObject::connect(&input, &LineInput::sig_line, &run, &SimulatorRun::set_fault_by_line);
     if (options.exit_with_stdin)
-        QObject::connect(&input, &LineInput::sig_end, &application, &QCoreApplication::quit);
+        QObject::connect(&input, &LineInput::sig_end, &run, &SimulatorRun::end_when_deserted);
     return QCoreApplication::exec();
 }

@@ -39,6 +39,8 @@ constexpr NumberOption NUMBERS[] = {
      false, false},
     {"charger-voltage", "V", "Limit of the charger's voltage, for each cell.",
      &Options::charger_volts_per_cell, 0, 100, false, false},
+    {"linger", "seconds", "With --exit-with-stdin: stay until nobody has had the port for so long.",
+     &Options::linger, 0, 3600, false, true},
     {"load", "A", "Current that the load draws.", &Options::load_amps, 0, 10000, false, false},
 };
 
@@ -60,6 +62,7 @@ void declare_options(QCommandLineParser& parser)
     for (const NumberOption& option : NUMBERS)
         parser.addOption({option.name, described(option), option.unit});
     parser.addOption({"link", "Keep a symbolic link to the port here.", "path"});
+    parser.addOption({"record", "Keep a record here of what the instrument is told.", "path"});
     parser.addOption({"fault", "Start with this fault; may be given several times.", "text"});
     parser.addOption({"replay",
                       "Play this recording: an event log with telemetry, or a file of lines.",
@@ -124,7 +127,7 @@ QString first_error(const QCommandLineParser& parser, Options& options)
     if (!parser.positionalArguments().isEmpty())
         return QString("\"%1\" is no option; --help lists them.")
             .arg(parser.positionalArguments().first());
-    for (const char* name : {"link", "replay"})
+    for (const char* name : {"link", "record", "replay"})
         if (parser.isSet(name) && parser.value(name).isEmpty())
             return QString("--%1 needs a path.").arg(name);
     QString error = read_numbers(parser, options);
@@ -159,6 +162,7 @@ OptionsResult read_options(const QStringList& arguments, Options& options, QStri
     text = parsed ? first_error(parser, options) : parser.errorText();
     options.rate_given = parser.isSet("rate");
     options.link = parser.value("link");
+    options.record = parser.value("record");
     options.recording = parser.value("replay");
     options.exit_at_end = parser.isSet("exit-at-end");
     options.exit_with_stdin = parser.isSet("exit-with-stdin");

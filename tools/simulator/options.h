@@ -17,9 +17,11 @@ struct Options
     double delay = 0.0;  ///< lines by which the state letter lags
     QString link;        ///< path of the symbolic link; empty for none
     QStringList faults;
+    QString record;  ///< path of the file that keeps what the instrument was told; empty for none
     QString recording;  ///< path; empty for a simulated instrument
     bool exit_at_end = false;
     bool exit_with_stdin = false;
+    double linger = 0.0;  ///< seconds, of real time, that it outlives standard input and readers
 
     // The pack; its own defaults stand here too.
     double cells = PackModel().cells;

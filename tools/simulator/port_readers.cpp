@@ -21,7 +21,7 @@ void PortReaders::watch(const QString& path)
         return;
     }
     auto* socket = new QSocketNotifier(events, QSocketNotifier::Read, this);
-    connect(socket, &QSocketNotifier::activated, this, [this] { read_events(); });
+    connect(socket, &QSocketNotifier::activated, this, [this] { catch_up(); });
     notifier = socket;
 }
 
@@ -40,8 +40,10 @@ bool PortReaders::any() const
     return events < 0 || count > 0;
 }
 
-void PortReaders::read_events()
+void PortReaders::catch_up()
 {
+    if (events < 0)
+        return;
     alignas(inotify_event) char buffer[4096];
     for (ssize_t size = 0; (size = ::read(events, buffer, sizeof buffer)) > 0;) {
         for (const char* at = buffer; at < buffer + size;) {

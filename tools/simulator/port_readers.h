@@ -19,13 +19,14 @@ public:
     void watch(const QString& path);
     void stop();
     bool any() const;
+    /** Tells at once what has happened by now. */
+    void catch_up();
 
 signals:
     void sig_first_one_came();
     void sig_last_one_left();
 
 private:
-    void read_events();
     void count_event(unsigned mask);
 
     QObject* notifier = nullptr;  ///< owned by this object

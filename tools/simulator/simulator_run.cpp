@@ -32,9 +32,31 @@ SimulatorRun::SimulatorRun(const Options& chosen)
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
     connect(&timer, &QTimer::timeout, this, &SimulatorRun::send_due_lines);
-    connect(&port, &InstrumentPort::sig_reader_came, this, &SimulatorRun::begin);
-    connect(&port, &InstrumentPort::sig_received, this,
-            [this](const QByteArray& bytes) { instrument.receive(bytes); });
+    deserted.setSingleShot(true);
+    connect(&deserted, &QTimer::timeout, this, &SimulatorRun::sig_end);
+    connect(&port, &InstrumentPort::sig_reader_came, this, [this] {
+        note("opened");
+        follow_readers();
+        begin();
+    });
+    connect(&port, &InstrumentPort::sig_readers_left, this, [this] {
+        note("closed");
+        follow_readers();
+    });
+    connect(&port, &InstrumentPort::sig_received, this, [this](const QByteArray& bytes) {
+        instrument.receive(bytes);
+        note(bytes.toHex().toUpper());
+    });
+}
+
+SimulatorRun::~SimulatorRun()
+{
+    note("ended");
+}
+
+void SimulatorRun::note(const QByteArray& what)
+{
+    record.add(lines_sent, state_letter(instrument.state), what);
 }
 
 void SimulatorRun::play(const QVector<ReplayLine>& recording)
@@ -49,6 +71,8 @@ void SimulatorRun::play(const QVector<ReplayLine>& recording)
 
 bool SimulatorRun::start(QString& error)
 {
+    if (!record.open(options.record, error))
+        return false;
     // Opened even if it is to vanish at once: the caller waits for the path.
     if (!port.open(error))
         return false;
@@ -136,6 +160,23 @@ void SimulatorRun::follow_port()
     }
     std::printf("%s\n", qPrintable(port.path()));
     std::fflush(stdout);
+}
+
+void SimulatorRun::end_when_deserted()
+{
+    unwanted = true;
+    if (options.linger > 0.0)
+        follow_readers();
+    else
+        emit sig_end();
+}
+
+void SimulatorRun::follow_readers()
+{
+    if (port.has_reader())
+        deserted.stop();
+    else if (unwanted)
+        deserted.start(int(options.linger * 1000.0));
 }
 
 void SimulatorRun::end_when_read()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/instrument_port.h"
+#include "simulator/instrument_record.h"
 #include "simulator/options.h"
 #include "simulator/replay.h"
 #include "simulator/simulated_instrument.h"
@@ -16,6 +17,7 @@ class SimulatorRun : public QObject
 
 public:
     explicit SimulatorRun(const Options& chosen);
+    ~SimulatorRun() override;
 
     /** Opens the port and prints its path. False, with the reason in `error`, if there is none. */
     bool start(QString& error);
@@ -25,6 +27,8 @@ public:
 public slots:
     /** Sets a fault at once; complains on standard error if the line makes no sense. */
     void set_fault_by_line(const QString& line);
+    /** Ends the run, but not before nobody has had the port open for the time that was asked for. */
+    void end_when_deserted();
 
 signals:
     void sig_end();
@@ -38,6 +42,8 @@ private:
     void wait_for_next_line();
     void follow_port();
     void end_when_read();
+    void note(const QByteArray& what);
+    void follow_readers();
 
     Options options;
     SimulatedInstrument instrument;
@@ -48,6 +54,9 @@ private:
         0.0;  ///< of the instrument's time, in which the process did not get to run
     QElapsedTimer since_start;
     QTimer timer;
+    QTimer deserted;
+    bool unwanted = false;  ///< ends as soon as it is deserted
+    InstrumentRecord record;
 };
 
 /** "kest-simulator: " and the text, on standard error. */
