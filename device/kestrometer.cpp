@@ -6,6 +6,7 @@
 #include "common/time_span.h"
 #include "device/off_at_exit.h"
 #include "device/raw_traffic.h"
+#include "device/reset_command.h"
 #include "device/telemetry_line.h"
 
 #include <QPointer>
@@ -18,7 +19,6 @@ namespace
 {
 const QString LINE_END = "\r\n";
 const QByteArray ENTER_BOOTLOADER_COMMAND = "U";
-const QByteArray RESET_COMMAND = QByteArray("UUUUUU\0\0\0\4", 10);
 
 /** Errors that the port repeats for as long as it is open, as when its cable is pulled. */
 bool is_fatal(QSerialPort::SerialPortError error)
