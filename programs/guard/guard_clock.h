@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QtGlobal>
+
+/** Time that never goes back and goes on while the machine is asleep, in milliseconds. */
+class GuardClock
+{
+public:
+    /** `speed` seconds pass in one, for instruments that are simulated in time lapse. */
+    explicit GuardClock(double speed);
+
+    qint64 now_ms() const;
+    /** The real time in which `ms` pass, but not below `least` and not above `ms`. */
+    int real_ms(int ms, int least) const;
+
+private:
+    double speed;
+};

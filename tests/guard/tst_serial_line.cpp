@@ -1,0 +1,358 @@
+#include "guard/holders.h"
+#include "guard/lock_files.h"
+#include "guard/notes.h"
+#include "guard/serial_line.h"
+
+#include "simulator/pseudo_terminal.h"
+#include "support/test_files.h"
+#include "support/test_program.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+Q_DECLARE_METATYPE(SerialLine)
+
+namespace
+{
+const QByteArray DRIVERS = "/dev/tty             /dev/tty        5       0 system:/dev/tty\n"
+                           "/dev/console         /dev/console    5       1 system:console\n"
+                           "/dev/ptmx            /dev/ptmx       5       2 system\n"
+                           "rfcomm               /dev/rfcomm   216 0-255 serial\n"
+                           "acm                  /dev/ttyACM   166 0-255 serial\n"
+                           "usbserial            /dev/ttyUSB   188 0-511 serial\n"
+                           "serial               /dev/ttyS       4 64-95 serial\n"
+                           "pty_slave            /dev/pts      136 0-1048575 pty:slave\n"
+                           "pty_master           /dev/ptm      128 0-1048575 pty:master\n"
+                           "unknown              /dev/tty        4 1-63 console\n"
+                           "nonsense\n"
+                           "half /dev/x serial\n"
+                           "x /dev/x y z serial\n";
+
+/** A pseudo-terminal that this process holds as a program holds its instrument. */
+struct HeldLine
+{
+    HeldLine()
+    {
+        QString error;
+        if (!far_end.open(error))
+            qFatal("%s", qPrintable(error));
+        path = far_end.path();
+    }
+
+    PseudoTerminal far_end;
+    QString path;
+};
+
+OpenFiles with_file(const SerialLine& line)
+{
+    OpenFiles files;
+    files.readable = true;
+    files.count = 4;
+    OpenDevice file;
+    file.path = line.path;
+    file.device = line.device;
+    file.inode = line.inode;
+    file.both_ways = true;
+    files.devices << file;
+    return files;
+}
+
+SerialLine named(const QString& path, const QString& usb_serial = QString())
+{
+    SerialLine line;
+    line.path = path;
+    line.usb_serial = usb_serial;
+    return line;
+}
+}  // namespace
+
+/** Which lines there are, and whether one is still what it was. */
+class SerialLineTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void the_driver_tells_the_kind_data();
+    void the_driver_tells_the_kind();
+    void a_pseudo_terminal_is_a_line();
+    void what_is_no_terminal_is_no_line_data();
+    void what_is_no_terminal_is_no_line();
+    void one_that_takes_the_name_is_another();
+    void every_detail_counts_data();
+    void every_detail_counts();
+    void the_adapter_is_found_above_the_line();
+    void lines_among_files_data();
+    void lines_among_files();
+    void the_far_end_does_not_hold_the_line();
+    void another_holder_is_named();
+    void nothing_open_changes_no_note();
+    void what_was_pulled_is_lost_until_it_is_back();
+    void what_was_closed_is_not_lost();
+    void a_lock_file_tells_what_was_held();
+    void without_the_system_s_word_nothing_is_known();
+};
+
+void SerialLineTest::the_driver_tells_the_kind_data()
+{
+    QTest::addColumn<int>("major");
+    QTest::addColumn<int>("minor");
+    QTest::addColumn<int>("kind");
+    const auto row = [](const char* name, int major, int minor, TerminalKind kind) {
+        QTest::newRow(name) << major << minor << int(kind);
+    };
+    row("USB adapter", 188, 0, TerminalKind::Serial);
+    row("last USB adapter", 188, 511, TerminalKind::Serial);
+    row("behind the last", 188, 512, TerminalKind::None);
+    row("modem class", 166, 3, TerminalKind::Serial);
+    row("on board", 4, 64, TerminalKind::Serial);
+    row("virtual console", 4, 1, TerminalKind::None);
+    row("own terminal", 5, 0, TerminalKind::None);
+    row("maker of pseudo-terminals", 5, 2, TerminalKind::None);
+    row("pseudo-terminal", 136, 70000, TerminalKind::PseudoTerminal);
+    row("its other end", 128, 3, TerminalKind::None);
+    row("nothing", 0, 0, TerminalKind::None);
+}
+
+void SerialLineTest::the_driver_tells_the_kind()
+{
+    QFETCH(int, major);
+    QFETCH(int, minor);
+    const TerminalKinds kinds = TerminalKinds::from_text(DRIVERS);
+    QTEST(int(kinds.kind_of(makedev(unsigned(major), unsigned(minor)))), "kind");
+}
+
+void SerialLineTest::a_pseudo_terminal_is_a_line()
+{
+    const HeldLine held;
+    const std::optional<SerialLine> line = SerialLines().at(held.path);
+    QVERIFY(line.has_value());
+    QCOMPARE("/dev/" + line->name(), held.path);
+    QVERIFY(SerialLines().unchanged(*line));
+}
+
+void SerialLineTest::what_is_no_terminal_is_no_line_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const char* path :
+         {"/dev/null", "/dev/tty", "/dev/ptmx", "/etc/passwd", "/dev", "/none", ""})
+        QTest::newRow(path) << QString(path);
+}
+
+void SerialLineTest::what_is_no_terminal_is_no_line()
+{
+    QFETCH(QString, path);
+    QVERIFY(!SerialLines().at(path).has_value());
+}
+
+void SerialLineTest::one_that_takes_the_name_is_another()
+{
+    const SerialLines lines;
+    HeldLine held;
+    const std::optional<SerialLine> first = lines.at(held.path);
+    QVERIFY(first.has_value());
+    held.far_end.close();
+    QVERIFY(!lines.unchanged(*first));
+    QString error;
+    QVERIFY(held.far_end.open(error));
+    const std::optional<SerialLine> next = lines.at(held.far_end.path());
+    QVERIFY(next.has_value());
+    QVERIFY(lines.unchanged(*next));
+    // The number is given away again, and then only the time tells: the system keeps whole seconds.
+    SerialLine earlier = *next;
+    earlier.made_at_ns -= 1000000000;
+    QVERIFY(!lines.unchanged(earlier));
+}
+
+void SerialLineTest::every_detail_counts_data()
+{
+    QTest::addColumn<SerialLine>("other");
+    SerialLine line;
+    QTest::newRow("path") << (line = SerialLine(), line.path = "x", line);
+    QTest::newRow("number") << (line = SerialLine(), line.device = 1, line);
+    QTest::newRow("hardware") << (line = SerialLine(), line.hardware = "x", line);
+    QTest::newRow("serial number") << (line = SerialLine(), line.usb_serial = "x", line);
+    QTest::newRow("number on the bus") << (line = SerialLine(), line.usb_device = "x", line);
+    QTest::newRow("inode") << (line = SerialLine(), line.inode = 1, line);
+    QTest::newRow("time") << (line = SerialLine(), line.made_at_ns = 1, line);
+}
+
+void SerialLineTest::every_detail_counts()
+{
+    QFETCH(SerialLine, other);
+    QVERIFY(other == other);
+    QVERIFY(!(other == SerialLine()));
+}
+
+void SerialLineTest::the_adapter_is_found_above_the_line()
+{
+    const HeldLine held;
+    struct stat status = {};
+    QCOMPARE(::stat(qPrintable(held.path), &status), 0);
+    const QString number = QString("%1:%2").arg(major(status.st_rdev)).arg(minor(status.st_rdev));
+    const QTemporaryDir folder;
+    const QDir root(folder.path());
+    const QString line_folder = "sys/devices/usb1/1-4/1-4:1.0/ttyUSB0/tty/ttyUSB0";
+    for (const QString& path : {line_folder, QString("sys/dev/char"), QString("proc/tty")})
+        QVERIFY(root.mkpath(path));
+    QVERIFY(write_file(root.filePath("sys/devices/usb1/devnum"), "1\n"));
+    QVERIFY(write_file(root.filePath("sys/devices/usb1/1-4/devnum"), "23\n"));
+    QVERIFY(write_file(root.filePath("sys/devices/usb1/1-4/serial"), "A10KQ\n"));
+    QVERIFY(QFile::link(root.filePath(line_folder), root.filePath("sys/dev/char/" + number)));
+    // To this system a pseudo-terminal is the line of an adapter.
+    QVERIFY(write_file(
+        root.filePath("proc/tty/drivers"),
+        QString("usbserial /dev/ttyUSB %1 0-511 serial\n").arg(major(status.st_rdev)).toUtf8()));
+    const SerialLines lines({root.filePath("proc"), root.filePath("sys")});
+    const std::optional<SerialLine> line = lines.at(held.path);
+    QVERIFY(line.has_value());
+    QCOMPARE(line->hardware, QFileInfo(root.filePath(line_folder)).canonicalFilePath());
+    QCOMPARE(line->usb_device, QString("23"));
+    QCOMPARE(line->usb_serial, QString("A10KQ"));
+    QVERIFY(lines.unchanged(*line));
+    QVERIFY(write_file(root.filePath("sys/devices/usb1/1-4/devnum"), "24\n"));
+    QVERIFY(!lines.unchanged(*line));
+}
+
+void SerialLineTest::lines_among_files_data()
+{
+    QTest::addColumn<bool>("both_ways");
+    QTest::addColumn<bool>("is_people_s");
+    QTest::addColumn<bool>("same_inode");
+    QTest::addColumn<QString>("path_end");
+    QTest::addColumn<bool>("is_line");
+    QTest::newRow("held") << true << false << true << "" << true;
+    QTest::newRow("only read") << false << false << true << "" << false;
+    QTest::newRow("a terminal of people") << true << true << true << "" << false;
+    QTest::newRow("its name has another now") << true << false << false << "" << false;
+    QTest::newRow("pulled") << true << false << true << " (deleted)" << false;
+}
+
+void SerialLineTest::lines_among_files()
+{
+    QFETCH(bool, both_ways);
+    QFETCH(bool, is_people_s);
+    QFETCH(bool, same_inode);
+    QFETCH(QString, path_end);
+    QFETCH(bool, is_line);
+    const SerialLines lines;
+    const HeldLine held;
+    const SerialLine line = *lines.at(held.path);
+    OpenFiles files = with_file(line);
+    files.devices[0].both_ways = both_ways;
+    files.devices[0].inode += same_inode ? 0 : 1;
+    files.devices[0].path += path_end;
+    files.devices << files.devices[0];
+    const QVector<dev_t> of_people = is_people_s ? QVector<dev_t>{line.device} : QVector<dev_t>();
+    QCOMPARE(lines.among(files, of_people),
+             is_line ? QVector<SerialLine>{line} : QVector<SerialLine>());
+}
+
+void SerialLineTest::the_far_end_does_not_hold_the_line()
+{
+    const SerialLines lines;
+    const HeldLine held;
+    // This process has both ends; as the program of a guard it would hold no instrument.
+    const OpenFiles files = open_files_of(::getpid(), lines.roots);
+    QVERIFY(files.readable);
+    QVERIFY(files.have_far_end_of(held.path));
+    QVERIFY(!files.have_far_end_of(held.path + "0"));
+    QCOMPARE(lines.among(files, {}).contains(*lines.at(held.path)), false);
+}
+
+void SerialLineTest::another_holder_is_named()
+{
+    const SerialLines lines;
+    const HeldLine held;
+    const QVector<SerialLine> all = {*lines.at(held.path)};
+    QVERIFY(other_holders(all, lines.roots).isEmpty());
+    QProcess other;
+    other.start("sh", {"-c", "exec 5<>" + held.path + "; echo up; read x"});
+    QVERIFY(other.waitForReadyRead());
+    QCOMPARE(other_holders(all, lines.roots).value(held.path),
+             QString("sh (process %1)").arg(other.processId()));
+    other.closeWriteChannel();
+    QVERIFY(other.waitForFinished());
+    QVERIFY(other_holders(all, lines.roots).isEmpty());
+}
+
+void SerialLineTest::nothing_open_changes_no_note()
+{
+    const SerialLines lines;
+    const HeldLine held;
+    const SerialLine line = *lines.at(held.path);
+    Notes notes;
+    notes.take(with_file(line), {line}, lines);
+    notes.take(OpenFiles(), {}, lines);
+    QCOMPARE(notes.held, QVector<SerialLine>{line});
+}
+
+void SerialLineTest::what_was_pulled_is_lost_until_it_is_back()
+{
+    const SerialLines lines;
+    const SerialLine line = named("/dev/gone", "A10KQ");
+    Notes notes;
+    notes.take(with_file(line), {line}, lines);
+    notes.take(with_file(line), {}, lines);
+    QCOMPARE(notes.lost, QVector<SerialLine>{line});
+    notes.take(with_file(line), {named("/dev/other")}, lines);
+    QCOMPARE(notes.lost.size(), 1);
+    notes.take(with_file(line), {named("/dev/other", "A10KQ")}, lines);
+    QCOMPARE(notes.lost.size(), 0);
+}
+
+void SerialLineTest::what_was_closed_is_not_lost()
+{
+    const SerialLines lines;
+    const HeldLine held;
+    const SerialLine line = *lines.at(held.path);
+    Notes notes;
+    notes.take(with_file(line), {line}, lines);
+    notes.take(with_file(line), {}, lines);
+    QVERIFY(notes.held.isEmpty());
+    QVERIFY(notes.lost.isEmpty());
+}
+
+void SerialLineTest::a_lock_file_tells_what_was_held()
+{
+    const SerialLines lines;
+    const HeldLine held;
+    const QTemporaryDir folder;
+    const QString lock = folder.filePath("LCK.." + held.far_end.port_name().replace('/', '_'));
+    const QDateTime start = QDateTime::currentDateTime();
+    QVERIFY(write_file(lock, "4711\nkest-battery-tester\nbench\n"));
+    QVERIFY(write_file(folder.filePath("LCK..null"), "4711\n"));
+    QVERIFY(write_file(folder.filePath("LCK..no_such"), "4711\n"));
+    const QVector<SerialLine> line = {*lines.at(held.path)};
+    QCOMPARE(lines_locked_by(4711, start, lines, {folder.path()}), line);
+    QCOMPARE(lines_locked_by(471, start, lines, {folder.path()}), QVector<SerialLine>());
+    // Left behind by a process that had the same number long ago.
+    QCOMPARE(lines_locked_by(4711, start.addSecs(60), lines, {folder.path()}),
+             QVector<SerialLine>());
+    QCOMPARE(lines_locked_by(4711, start, lines, {"/no/such/folder"}), QVector<SerialLine>());
+    // The line is younger than its lock: it is not the one that was locked.
+    QFile file(lock);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(start.addSecs(-60), QFileDevice::FileModificationTime));
+    QCOMPARE(lines_locked_by(4711, start.addSecs(-90), lines, {folder.path()}),
+             QVector<SerialLine>());
+}
+
+void SerialLineTest::without_the_system_s_word_nothing_is_known()
+{
+    const SystemRoots nowhere = {"/no/such/proc", "/no/such/sys"};
+    QVERIFY(!open_files_of(::getpid(), nowhere).readable);
+    QVERIFY(all_processes(nowhere).isEmpty());
+    QCOMPARE(state_of_process(::getpid(), nowhere), '\0');
+    QCOMPARE(controlling_terminal_of(::getpid(), nowhere), dev_t(0));
+    QVERIFY(!catches_signal(::getpid(), 1, nowhere));
+    const HeldLine held;
+    QVERIFY(!SerialLines(nowhere).at(held.path).has_value());
+}
+
+KEST_GUILESS_TEST(SerialLineTest)
+#include "tst_serial_line.moc"
