@@ -25,7 +25,10 @@ has_display()
     [[ -n ${DISPLAY:-} || -n ${WAYLAND_DISPLAY:-} ]]
 }
 
-# start_in_window FILE TARGET...: builds the targets and becomes the program in build/release/FILE.
+# Starts a program and switches its instruments off if it dies.
+guard=(build/release/programs/guard/kest-guard)
+
+# start_in_window FILE TARGET...: builds the targets and becomes the guard of build/release/FILE.
 start_in_window()
 {
     local file=build/release/$1
@@ -35,8 +38,8 @@ start_in_window()
     else
         require_packages build wayland
     fi
-    build release "$@"
-    exec "$file"
+    build release kest-guard "$@"
+    exec "${guard[@]}" -- "$file"
 }
 
 start_app()
@@ -51,9 +54,10 @@ start_unattended()
 {
     mkdir -p "$1" || fail "The folder $1 cannot be made."
     require_packages build
-    build release kest-demo kest-simulator
+    build release kest-demo kest-simulator kest-guard
     echo "Running a whole test of two cycles, about two minutes. Its files go to $1"
-    local demo=(build/release/tools/demo/kest-demo --unattended "$1")
+    guard+=(--speed 60)  # the demo's own time lapse
+    local demo=("${guard[@]}" -- build/release/tools/demo/kest-demo --unattended "$1")
     if command -v xvfb-run >/dev/null && command -v xauth >/dev/null; then
         export QT_QPA_PLATFORM=xcb
         exec xvfb-run --auto-servernum --server-args="-screen 0 1600x1000x24" "${demo[@]}"
@@ -75,6 +79,7 @@ unattended_folder()
 start_demo()
 {
     if has_display; then
+        guard+=(--speed 60)  # the demo's own time lapse
         start_in_window tools/demo/kest-demo kest-demo kest-simulator
     fi
     echo "There is no display (neither DISPLAY nor WAYLAND_DISPLAY is set): the demo runs unattended."

@@ -32,6 +32,8 @@ constexpr int POLL_MS = 100;
 const char* const EARLIER_TEST = "Earlier Pack_0041";
 constexpr int FIRST_ID = 7;
 const char* const LOAD_AMPS = "4.8";  // on a gridline its curve would lie under the chart's frame
+// Whoever switches the instruments off after a demo that was killed still finds them.
+const char* const LINGER_SECONDS = "5";
 constexpr double LONGEST_TEST_S = 6 * 3600.0;  // of the test's own time, for a run nobody watches
 
 /** Types `text` as the operator would, so that the panel's own slots take it over. */
@@ -86,7 +88,7 @@ bool Demo::start_instruments(QString& error)
     for (SimulatorProcess& simulator : simulators) {
         if (!simulator.start({"--id", QString::number(id++), "--speed",
                               QString::number(options.speed), "--load", LOAD_AMPS,
-                              "--exit-with-stdin"},
+                              "--exit-with-stdin", "--linger", LINGER_SECONDS},
                              error))
             return false;
         names.append(simulator.port_name());
