@@ -113,21 +113,23 @@ int ChildProcess::start(const QByteArrayList& words, const SignalHeritage& herit
         ::waitpid(id, nullptr, 0);
     if (error != 0)
         id = -1;
-    else
+    running = error == 0;
+    if (running)
         handle = open_handle(id);
     return error;
 }
 
 bool ChildProcess::is_running() const
 {
-    return id > 0;
+    return running;
 }
 
 bool ChildProcess::has_ended(Ending& ending)
 {
     int status = 0;
-    if (id <= 0 || ::waitpid(id, &status, WNOHANG) != id)
+    if (!running || ::waitpid(id, &status, WNOHANG) != id)
         return false;
+    running = false;
     ending.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     ending.status = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     if (handle >= 0)
@@ -138,7 +140,7 @@ bool ChildProcess::has_ended(Ending& ending)
 
 void ChildProcess::send(int signal) const
 {
-    if (id > 0)
+    if (running)
         ::kill(id, signal);
 }
 

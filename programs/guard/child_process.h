@@ -49,9 +49,10 @@ public:
     /** How many bytes wait to be read behind its descriptor if that is this device; -1 if unknown. */
     int waiting_bytes(int descriptor, dev_t device) const;
 
-    pid_t id = -1;
+    pid_t id = -1;  ///< stays when the program has ended
     QDateTime start_time;
 
 private:
+    bool running = false;
     int handle = -1;  ///< of the process, so that its number cannot come to mean another
 };

@@ -57,16 +57,18 @@ Guard::Guard(const GuardOptions& guard_options, const QByteArrayList& program_wo
 
 void Guard::start()
 {
-    if (lock.is_held_by_another())
-        teller.tell(Sentences::waiting_for_another_guard(teller.log_path()));
     waiting.start(WAIT_MS);
     wait_for_other_guards();
 }
 
 void Guard::wait_for_other_guards()
 {
-    if (lock.is_held_by_another())
+    if (lock.is_held_by_another()) {
+        // Not at the first look: another guard that starts may just be looking, too.
+        if (++looks_at_lock == 2)
+            teller.tell(Sentences::waiting_for_another_guard(teller.log_path()));
         return;
+    }
     waiting.stop();
     start_program();
 }

@@ -51,6 +51,7 @@ private:
     SwitchingLock lock;
     SignalReader signal_reader;
     QTimer waiting;
+    int looks_at_lock = 0;
     QTimer looking;
     ChildProcess child;
     Notes notes;

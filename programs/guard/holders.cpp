@@ -1,5 +1,7 @@
 #include "guard/holders.h"
 
+#include "device/raw_traffic.h"
+
 #include <algorithm>
 #include <unistd.h>
 
@@ -23,9 +25,9 @@ QMap<QString, QString> other_holders(const QVector<SerialLine>& lines, const Sys
         // Whoever has the far end of a pseudo-terminal is the instrument, and may keep ours open.
         for (const SerialLine& line : lines)
             if (holds(files, line) && !files.have_far_end_of(line.path))
-                holders.insert(
-                    line.path,
-                    QString("%1 (process %2)").arg(name_of_process(process, roots)).arg(process));
+                holders.insert(line.path, QString("%1 (process %2)")
+                                              .arg(sanitised_text(name_of_process(process, roots)))
+                                              .arg(process));
     }
     return holders;
 }

@@ -40,6 +40,7 @@ private slots:
     void the_next_start_finds_nothing_in_its_way();
     void a_second_guard_waits_for_the_first();
     void a_guard_that_waits_is_ended_by_a_signal();
+    void a_bare_start_finds_the_port_busy_and_disturbs_nobody();
     void two_guards_have_nothing_to_do_with_each_other();
     void a_stopped_program_is_told_of_and_let_be();
     void a_frozen_program_is_told_of();
@@ -212,6 +213,27 @@ void KestGuardSignalsTest::a_guard_that_waits_is_ended_by_a_signal()
     QVERIFY(second.ends_with(128 + SIGTERM));
     first.instruments[0]->set_fault("clear");
     QVERIFY(first.ends_with(128 + SIGKILL));
+}
+
+void KestGuardSignalsTest::a_bare_start_finds_the_port_busy_and_disturbs_nobody()
+{
+    SwitchingBench bench;
+    QVERIFY(bench.begin());
+    Instrument& instrument = *bench.instruments[0];
+    QProcess bare;
+    bare.setProcessEnvironment(bench.environment);
+    bare.start(guarded_program(), QStringList());
+    bare.write("hold " + instrument.port() + " -\n");
+    // Its open is refused; it says nothing of that, and goes on.
+    while (!bare.readAllStandardOutput().contains("opened "))
+        QVERIFY(bare.waitForReadyRead(PATIENCE_MS));
+    instrument.set_fault("clear");
+    QVERIFY(bench.ends_with(128 + SIGKILL));
+    QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
+    QVERIFY(instrument.comes_to("closed"));
+    QCOMPARE(instrument.story().count("opened"), 2);
+    bare.closeWriteChannel();
+    QVERIFY(bare.waitForFinished(PATIENCE_MS));
 }
 
 void KestGuardSignalsTest::two_guards_have_nothing_to_do_with_each_other()
