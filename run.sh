@@ -27,6 +27,8 @@ has_display()
 
 # Starts a program and switches its instruments off if it dies.
 guard=(build/release/programs/guard/kest-guard)
+# A minute of the demo is a second, for which a window may well be busy: it is frozen after a real minute.
+demo_time=(--speed 60 --frozen 3600)
 
 # start_in_window FILE TARGET...: builds the targets and becomes the guard of build/release/FILE.
 start_in_window()
@@ -56,7 +58,7 @@ start_unattended()
     require_packages build
     build release kest-demo kest-simulator kest-guard
     echo "Running a whole test of two cycles, about two minutes. Its files go to $1"
-    guard+=(--speed 60)  # the demo's own time lapse
+    guard+=("${demo_time[@]}")
     local demo=("${guard[@]}" -- build/release/tools/demo/kest-demo --unattended "$1")
     if command -v xvfb-run >/dev/null && command -v xauth >/dev/null; then
         export QT_QPA_PLATFORM=xcb
@@ -79,7 +81,7 @@ unattended_folder()
 start_demo()
 {
     if has_display; then
-        guard+=(--speed 60)  # the demo's own time lapse
+        guard+=("${demo_time[@]}")
         start_in_window tools/demo/kest-demo kest-demo kest-simulator
     fi
     echo "There is no display (neither DISPLAY nor WAYLAND_DISPLAY is set): the demo runs unattended."
