@@ -77,6 +77,6 @@ int main()
         keep(sum);
     };
     print_bench_table(
-        {measure("one telemetry line's fields / from_chars", COUNT, 0.8, ours, limit)});
+        {measure("one telemetry line's fields / from_chars", COUNT, 0.0, ours, limit)});
     return 0;
 }

@@ -23,7 +23,8 @@ QString TestStation::phase_to_string(Phase which) const
         return "?";
     if (which == PHASE_IDLE && kestrometer == nullptr)
         return data_log != nullptr ? "Preview" : "Load Log File";
-    return QString(traits_of(which).text).replace("%1", ordinal_string(get_cycle_number()));
+    const QString text = traits_of(which).text;
+    return text.contains("%1") ? text.arg(ordinal_string(get_cycle_number())) : text;
 }
 
 QString TestStation::get_avg_internal_resistance_string() const

@@ -1,7 +1,6 @@
 #include "instrument_bench.h"
 #include "support/test_program.h"
 
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <cmath>
