@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QTextStream>
 #include <QtTest>
 
 /** Every way in which loading a log can fail, and the start state behind each. */
@@ -24,6 +25,7 @@ private slots:
     void a_refused_log_leaves_the_start_state_data();
     void a_refused_log_leaves_the_start_state();
     void a_log_cut_anywhere_loads_or_leaves_the_start_state();
+    void what_a_refused_log_had_told_stays();
     void a_refused_log_is_not_touched();
     void another_log_can_follow_a_refused_one();
     void a_folder_is_no_log();
@@ -167,6 +169,21 @@ void LoadFailuresTest::a_log_cut_anywhere_loads_or_leaves_the_start_state()
         QCOMPARE(content_of(path), prefix);
         bench.station->unload_test_data();
     }
+}
+
+void LoadFailuresTest::what_a_refused_log_had_told_stays()
+{
+    StationBench bench;
+    QTextStream stream(sample_log("older_two_cycles.csv") + "End\n");
+    stream.readLine();
+    QVERIFY(!bench.station->read_old_log(&stream));
+    const TestParameters told{3, 7200, false, 30.5, false, 37.5, true, 0.5};
+    QVERIFY(same_parameters(bench.station->parameters(), told));
+    QCOMPARE(bench.station->profile_name, QString("Pack C"));
+    QCOMPARE(bench.station->serial_number, QString("0815"));
+    QCOMPARE(bench.station->cycles.size(), 2);
+    // Each cycle was shown as one of the three that the log asks for.
+    QCOMPARE(bench.text("laCycleNumber"), QString("Cycle 2/3"));
 }
 
 void LoadFailuresTest::a_refused_log_is_not_touched()
