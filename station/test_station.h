@@ -18,8 +18,8 @@
 
 class Kestrometer;
 class QFile;
+class LogSink;
 class QTextStream;
-struct LogTarget;
 
 namespace Ui
 {
@@ -199,7 +199,7 @@ private:
     // ---- logs/writer.cpp, logs/reader.cpp ---------------------------------
     void share_data_log();
     void delete_cycles();
-    bool read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&));
+    bool read_log(QTextStream& stream, bool (*read)(QTextStream&, LogSink&));
 
     // ---- panel/set_up.cpp, panel/selection.cpp ----------------------------
     void set_up_panel();

@@ -29,10 +29,15 @@ bool read_plain_row(const QString& line, QChar separator, LogRow& row)
     return *at++ == separator && read_plain_double(at, end, row.resistance) == end;
 }
 
-bool read_first_columns(const QStringList& fields, LogRow& row)
+int read_columns(const QStringList& fields, LogRow& row)
 {
-    return read_number(fields[0], row.time) && read_number(fields[1], row.amp_hours) &&
-           read_number(fields[2], row.voltage) && read_number(fields[3], row.current);
+    double* const columns[] = {&row.time, &row.amp_hours, &row.voltage, &row.current,
+                               &row.resistance};
+    int read = 0;
+    while (read < fields.size() && read_number(fields[read], *columns[read]))
+        ++read;
+    row.has_resistance = read == MOST_COLUMNS;
+    return read;
 }
 
 bool read_number(const QString& text, double& value)

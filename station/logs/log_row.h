@@ -3,6 +3,9 @@
 #include <QString>
 #include <QStringList>
 
+constexpr int LEAST_COLUMNS = 4;  ///< without a resistance
+constexpr int MOST_COLUMNS = 5;
+
 /** A discharge row of a data log of either generation. */
 struct LogRow
 {
@@ -12,6 +15,7 @@ struct LogRow
     double current = 0.0;
     double resistance = 0.0;  ///< ohms, if there is a fifth column
     bool has_resistance = false;
+    double watt_hours = 0.0;  ///< of the cycle up to here, as a reader adds them up
 };
 
 /**
@@ -21,8 +25,12 @@ struct LogRow
  */
 bool read_plain_row(const QString& line, QChar separator, LogRow& row);
 
-/** Reads the first four fields of a row. False if one of them is no number. */
-bool read_first_columns(const QStringList& fields, LogRow& row);
+/**
+ * Reads the four or five fields of a row of any form.
+ *
+ * @return how many there are before the first that is no number; the row is one from four on
+ */
+int read_columns(const QStringList& fields, LogRow& row);
 
 /** What QString::toDouble gives; false without touching `value` if the text is no number. */
 bool read_number(const QString& text, double& value);

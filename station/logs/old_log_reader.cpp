@@ -3,6 +3,7 @@
 #include "common/parse_int.h"
 #include "common/text.h"
 #include "station/logs/log_row.h"
+#include "station/logs/log_text.h"
 
 #include <QTextStream>
 
@@ -10,30 +11,8 @@
 
 namespace
 {
-constexpr int LEAST_ROW_FIELDS = 4;
-constexpr int MOST_ROW_FIELDS = 5;
 constexpr int BYTE_LIMIT = 256;
 constexpr int YEAR_LIMIT = 65536;
-
-/** Whether `fields` are pairs of a label and a value, with just these labels. */
-bool are_labelled(const QStringList& fields, std::initializer_list<const char*> labels)
-{
-    if (fields.size() != 2 * int(labels.size()))
-        return false;
-    int at = 0;
-    for (const char* label : labels) {
-        if (fields[at] != label)
-            return false;
-        at += 2;
-    }
-    return true;
-}
-
-bool is_number(const QString& text)
-{
-    double dropped = 0.0;
-    return read_number(text, dropped);
-}
 
 bool read_int(const QString& text, int& value)
 {
@@ -56,19 +35,12 @@ bool read_unsigned(const QString& text, int limit, int& value)
     return !text.contains('-') && read_int(text, value) && value < limit;
 }
 
-/** "True" runs the cycles by themselves, which is to say without a prompt. */
-bool read_autocycle(const QString& text, bool& prompt_to_discharge)
+QString wrong_fields(int found, int least, int most)
 {
-    if (text != "True" && text != "False")
-        return false;
-    prompt_to_discharge = text == "False";
-    return true;
-}
-
-QStringList split_line(const QString& line, QChar separator, int most)
-{
-    // Counted first: garbage may hold a million of them.
-    return line.count(separator) < most ? line.split(separator) : QStringList();
+    QString text = QString("%1 fields instead of %2").arg(found).arg(least);
+    if (most != least)
+        text += QString(" or %1").arg(most);
+    return text;
 }
 
 enum class Section
@@ -82,7 +54,7 @@ enum class Section
 class Pass
 {
 public:
-    Pass(QTextStream& log_stream, LogTarget& log_target) : stream(log_stream), target(log_target)
+    Pass(QTextStream& log_stream, LogSink& log_sink) : stream(log_stream), sink(log_sink)
     {
     }
 
@@ -90,24 +62,33 @@ public:
     bool read_body();
 
 private:
+    bool next_line();
     bool next_line_is(const char* text);
+    bool next_fields(QChar field_separator, int least, int most);
+    bool next_pairs(std::initializer_list<const char*> labels);
     bool read_parameters();
     bool read_battery();
     bool read_start();
     bool read_titles();
+    bool take_number(int index, double& value);
+    bool take_autocycle(int index);
+    bool check_field(int index, bool right, const char* what);
 
-    bool read_line(QString& line);
-    bool read_row(const QStringList& fields);
-    void take_row(const LogRow& row);
-    void take_resistance(const LogRow& row);
-    bool read_lone_marker(const QString& marker);
-    bool read_numbered_marker(const QString& marker);
-    void begin_charge();
-    void begin_discharge();
+    bool read_line();
+    bool read_row();
+    void take_row(LogRow& row);
+    bool read_lone_marker();
+    bool read_numbered_marker();
+    bool begin_charge();
+    bool begin_discharge();
+    bool refuse(int column, const QString& reason);
+    bool refuse_field(int index, const QString& reason);
 
     QTextStream& stream;
-    LogTarget& target;
-    CycleTarget cycle;  ///< the last one begun
+    LogSink& sink;
+    LogLine line{1, QString()};  ///< the first is the mark, read already
+    QChar separator = '\t';
+    QStringList fields;  ///< of the line
     QDateTime test_start;
     Section section = Section::None;
     double energy = 0.0;  ///< watt-hours
@@ -122,44 +103,79 @@ bool Pass::read_header()
            next_line_is("month/day/year/hour/minute/second:") && read_start() && read_titles();
 }
 
+/** At the end of the file an empty line, as one that lacks what is due. */
+bool Pass::next_line()
+{
+    ++line.number;
+    return stream.readLineInto(&line.text) || refuse(1, "the head of the log ends here");
+}
+
 bool Pass::next_line_is(const char* text)
 {
-    return stream.readLine() == text;
+    if (!next_line())
+        return false;
+    return line.text == text || refuse(1, quoted(line.text) + " instead of " + quoted(text));
+}
+
+bool Pass::next_fields(QChar field_separator, int least, int most)
+{
+    if (!next_line())
+        return false;
+    separator = field_separator;
+    // Counted first: garbage may hold a million of them.
+    const int found = line.text.count(separator) + 1;
+    if (found < least || found > most)
+        return refuse(1, wrong_fields(found, least, most));
+    fields = line.text.split(separator);
+    return true;
+}
+
+/** A line of labels, just these, each with a value behind it. */
+bool Pass::next_pairs(std::initializer_list<const char*> labels)
+{
+    const int count = 2 * int(labels.size());
+    if (!next_fields('\t', count, count))
+        return false;
+    int at = 0;
+    for (const char* label : labels) {
+        if (fields[at] != label)
+            return refuse_field(at, quoted(fields[at]) + " instead of " + quoted(label));
+        at += 2;
+    }
+    return true;
 }
 
 bool Pass::read_parameters()
 {
-    const QStringList fields = split_line(stream.readLine(), '\t', 10);
-    return are_labelled(fields, {"Charge Time (s):", "LV Cutoff",
-                                 "# Cycles:", "Final Voltage:", "Autocycle"}) &&
-           read_seconds(fields[1], target.parameters.max_charge_time) &&
-           read_number(fields[3], target.parameters.low_voltage_cutoff) &&
-           read_int(fields[5], target.parameters.number_of_cycles) &&
-           read_number(fields[7], target.parameters.final_voltage) &&
-           read_autocycle(fields[9], target.parameters.prompt_to_discharge);
+    TestParameters& to = sink.parameters;
+    return next_pairs(
+               {"Charge Time (s):", "LV Cutoff", "# Cycles:", "Final Voltage:", "Autocycle"}) &&
+           check_field(1, read_seconds(fields[1], to.max_charge_time), "whole number") &&
+           take_number(3, to.low_voltage_cutoff) &&
+           check_field(5, read_int(fields[5], to.number_of_cycles), "whole number") &&
+           take_number(7, to.final_voltage) && take_autocycle(9);
 }
 
 bool Pass::read_battery()
 {
-    const QStringList fields = split_line(stream.readLine(), '\t', 8);
-    if (!are_labelled(fields, {"Battery Name:", "Serial #:", "Nominal V:", "Nominal Ah:"}))
+    if (!next_pairs({"Battery Name:", "Serial #:", "Nominal V:", "Nominal Ah:"}))
         return false;
-    target.profile_name = fields[1];
-    target.serial_number = fields[3];
-    return is_number(fields[5]) && is_number(fields[7]);
+    sink.profile_name = fields[1];
+    sink.serial_number = fields[3];
+    double dropped = 0.0;
+    return take_number(5, dropped) && take_number(7, dropped);
 }
 
 /** A date that is none, of month 13 for one, is accepted on purpose: its cycles have no start then. */
 bool Pass::read_start()
 {
-    const QStringList fields = split_line(stream.readLine(), '_', 6);
-    if (fields.size() != 6)
+    if (!next_fields('_', 6, 6))
         return false;
     constexpr int LIMITS[] = {BYTE_LIMIT, BYTE_LIMIT, YEAR_LIMIT,
                               BYTE_LIMIT, BYTE_LIMIT, BYTE_LIMIT};
     int values[6] = {};
     for (int i = 0; i < 6; ++i)
-        if (!read_unsigned(fields[i], LIMITS[i], values[i]))
+        if (!check_field(i, read_unsigned(fields[i], LIMITS[i], values[i]), "part of a date"))
             return false;
     const auto& [month, day, year, hour, minute, second] = values;
     test_start = QDateTime(QDate(year, month, day), QTime(hour, minute, second), Qt::LocalTime);
@@ -168,131 +184,152 @@ bool Pass::read_start()
 
 bool Pass::read_titles()
 {
-    const QStringList fields = split_line(stream.readLine(), '\t', MOST_ROW_FIELDS);
-    if (fields.size() < LEAST_ROW_FIELDS)
+    constexpr const char* TITLES[] = {"Time (s)", "Amp-Hours (Ah)", "Voltage (V)", "Current (A)"};
+    if (!next_fields('\t', LEAST_COLUMNS, MOST_COLUMNS))
         return false;
-    return fields[0] == "Time (s)" && fields[1] == "Amp-Hours (Ah)" && fields[2] == "Voltage (V)" &&
-           fields[3] == "Current (A)" &&
-           (fields.size() == LEAST_ROW_FIELDS || fields[4].contains("Internal Resistance"));
+    for (int i = 0; i < LEAST_COLUMNS; ++i)
+        if (fields[i] != TITLES[i])
+            return refuse_field(i, quoted(fields[i]) + " instead of " + quoted(TITLES[i]));
+    if (fields.size() == LEAST_COLUMNS || fields[4].contains("Internal Resistance"))
+        return true;
+    return refuse_field(4, quoted(fields[4]) + " instead of 'Internal Resistance'");
+}
+
+bool Pass::take_number(int index, double& value)
+{
+    return check_field(index, read_number(fields[index], value), "number");
+}
+
+/** "True" runs the cycles by themselves, which is to say without a prompt. */
+bool Pass::take_autocycle(int index)
+{
+    const QString& text = fields[index];
+    if (text != "True" && text != "False")
+        return refuse_field(index, quoted(text) + " is neither 'True' nor 'False'");
+    sink.parameters.prompt_to_discharge = text == "False";
+    return true;
+}
+
+bool Pass::check_field(int index, bool right, const char* what)
+{
+    return right || refuse_field(index, quoted(fields[index]) + " is no " + what);
 }
 
 bool Pass::read_body()
 {
-    QString line;
+    separator = '\t';
     while (!stream.atEnd()) {
-        stream.readLineInto(&line);
-        if (!read_line(line))
+        stream.readLineInto(&line.text);
+        ++line.number;
+        if (!read_line())
             return false;
     }
     return true;
 }
 
-bool Pass::read_line(QString& line)
+bool Pass::read_line()
 {
     // Nearly every line of a log is such a row, and a row of plain numbers holds no colon.
     LogRow row;
-    if (read_plain_row(line, '\t', row)) {
+    if (read_plain_row(line.text, '\t', row)) {
         take_row(row);
-        take_resistance(row);
         return true;
     }
-    line.replace(": ", ":\t");
-    const QStringList fields = split_line(line, '\t', MOST_ROW_FIELDS);
-    switch (fields.size()) {
-    case 1:
-        return read_lone_marker(fields[0]);
-    case 2:
-        return read_numbered_marker(fields[0]);
-    case LEAST_ROW_FIELDS:
-    case MOST_ROW_FIELDS:
-        return read_row(fields);
-    default:
-        return false;
-    }
+    line.text.replace(": ", ":\t");
+    // Counted first: garbage may hold a million of them.
+    const int count = line.text.count('\t') + 1;
+    if (count == 3 || count > MOST_COLUMNS)
+        return refuse(1, wrong_columns(line.text, count - 1, "4 or 5"));
+    fields = line.text.split('\t');
+    if (count >= LEAST_COLUMNS)
+        return read_row();
+    return count == 1 ? read_lone_marker() : read_numbered_marker();
 }
 
 /** A row of an unusual form. Outside of a discharge nobody looks at its resistance. */
-bool Pass::read_row(const QStringList& fields)
+bool Pass::read_row()
 {
     LogRow row;
-    if (!read_first_columns(fields, row))
-        return false;
-    take_row(row);
-    row.has_resistance = section == Section::Discharge && fields.size() == MOST_ROW_FIELDS;
-    if (row.has_resistance && !read_number(fields[4], row.resistance))
-        return false;
-    take_resistance(row);
-    return true;
+    const int numbers = read_columns(fields, row);
+    if (numbers >= LEAST_COLUMNS)
+        take_row(row);
+    const bool accepted =
+        numbers == fields.size() || (numbers == LEAST_COLUMNS && section != Section::Discharge);
+    return accepted || refuse_field(numbers, no_number(fields[numbers]));
 }
 
-void Pass::take_row(const LogRow& row)
+/** Unlike in a current log, a resistance of zero or below is left out. */
+void Pass::take_row(LogRow& row)
 {
     energy += ((row.time - previous_time) / 3600.0) * ((previous_voltage + row.voltage) * 0.5) *
               ((previous_current + row.current) * 0.5);
     previous_time = row.time;
-    if (section != Section::Discharge)
+    if (section != Section::Discharge) {
+        sink.take_other_line(line);
         return;
-    cycle.voltage_vs_amphours->add(row.amp_hours, row.voltage);
-    cycle.current_vs_amphours->add(row.amp_hours, row.current);
-    *cycle.amp_hours = row.amp_hours;
-    *cycle.watt_hours = energy;
+    }
+    row.watt_hours = energy;
+    row.has_resistance = row.has_resistance && row.resistance > 0.0;
     previous_voltage = row.voltage;
     previous_current = row.current;
+    sink.take_row(row, line);
 }
 
-/** Unlike in a current log, a resistance of zero or below is left out. */
-void Pass::take_resistance(const LogRow& row)
+bool Pass::read_lone_marker()
 {
-    if (section == Section::Discharge && row.has_resistance && row.resistance > 0.0)
-        cycle.internal_resistance->add(row.amp_hours, row.resistance * 1000.0);
+    if (fields[0] == "Final Charge")
+        return begin_charge();
+    if (fields[0] != "Test Complete")
+        return refuse(1, line.text.isEmpty() ? "an empty line" : unknown_name(line.text));
+    section = Section::None;
+    sink.end_test(line);
+    return true;
 }
 
-bool Pass::read_lone_marker(const QString& marker)
+bool Pass::read_numbered_marker()
 {
-    if (marker == "Final Charge") {
-        begin_charge();
-        return true;
-    }
-    if (marker == "Test Complete") {
-        section = Section::None;
-        return true;
-    }
-    return false;
+    if (fields[0] == "Charge cycle:")
+        return begin_charge();
+    if (fields[0] == "Discharge cycle:")
+        return begin_discharge();
+    return refuse(1, unknown_name(fields[0]));
 }
 
-bool Pass::read_numbered_marker(const QString& marker)
-{
-    if (marker == "Charge cycle:") {
-        begin_charge();
-        return true;
-    }
-    if (marker == "Discharge cycle:") {
-        begin_discharge();
-        return true;
-    }
-    return false;
-}
-
-void Pass::begin_charge()
+bool Pass::begin_charge()
 {
     section = Section::Charge;
     previous_time = 0.0;
+    sink.begin_charge(line);
+    sink.take_charge_start(test_start);
+    return true;
 }
 
-void Pass::begin_discharge()
+bool Pass::begin_discharge()
 {
-    cycle = target.begin_cycle();
-    *cycle.start_time = test_start;
+    sink.begin_discharge(line);
+    sink.take_discharge_start(test_start);
     section = Section::Discharge;
     energy = 0.0;
     previous_time = 0.0;
     previous_voltage = 0.0;
     previous_current = 0.0;
+    return true;
+}
+
+bool Pass::refuse(int column, const QString& reason)
+{
+    sink.refuse({line.number, column, reason});
+    return false;
+}
+
+bool Pass::refuse_field(int index, const QString& reason)
+{
+    return refuse(field_column(line.text, separator, index), reason);
 }
 }  // namespace
 
-bool read_older_log(QTextStream& stream, LogTarget& target)
+bool read_older_log(QTextStream& stream, LogSink& sink)
 {
-    Pass pass(stream, target);
+    Pass pass(stream, sink);
     return pass.read_header() && pass.read_body();
 }

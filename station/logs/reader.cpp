@@ -2,24 +2,45 @@
 
 #include "common/message_boxes.h"
 #include "station/logs/current_log_reader.h"
+#include "station/logs/log_reader.h"
 #include "station/logs/old_log_reader.h"
 
 #include <QFile>
 #include <QTextStream>
 
+#include <functional>
+
 namespace
 {
-CycleTarget target_of(TestCycle& cycle)
+/** Fills the cycles of a station. */
+class CycleSink final : public LogSink
 {
-    CycleTarget target;
-    target.start_time = &cycle.start_time;
-    target.voltage_vs_amphours = &cycle.voltage_vs_amphours;
-    target.current_vs_amphours = &cycle.current_vs_amphours;
-    target.internal_resistance = &cycle.internal_resistance;
-    target.amp_hours = &cycle.amp_hours;
-    target.watt_hours = &cycle.watt_hours;
-    return target;
-}
+public:
+    void begin_discharge(const LogLine&) override
+    {
+        cycle = begin_cycle();
+    }
+
+    void take_discharge_start(const QDateTime& start) override
+    {
+        cycle->start_time = start;
+    }
+
+    void take_row(const LogRow& row, const LogLine&) override
+    {
+        cycle->voltage_vs_amphours.add(row.amp_hours, row.voltage);
+        cycle->current_vs_amphours.add(row.amp_hours, row.current);
+        if (row.has_resistance)
+            cycle->internal_resistance.add(row.amp_hours, row.resistance * 1000.0);
+        cycle->amp_hours = row.amp_hours;
+        cycle->watt_hours = row.watt_hours;
+    }
+
+    std::function<TestCycle*()> begin_cycle;  ///< appends an empty cycle
+
+private:
+    TestCycle* cycle = nullptr;  ///< the last one begun
+};
 }  // namespace
 
 bool TestStation::ui_safe_read_log()
@@ -40,11 +61,14 @@ bool TestStation::read_data_log()
     delete_cycles();
     data_log->seek(0);
     QTextStream stream(data_log);
-    const QString mark = stream.readLine();
-    if (mark == "Test Parameters:")
+    switch (log_generation(stream.readLine())) {
+    case LogGeneration::None:
+        return false;
+    case LogGeneration::Older:
         return read_old_log(&stream);
-    if (mark == "Kestrometer Log")
+    case LogGeneration::Current:
         return read_new_log(&stream);
+    }
     return false;
 }
 
@@ -58,18 +82,21 @@ bool TestStation::read_old_log(QTextStream* stream)
     return read_log(*stream, read_older_log);
 }
 
-bool TestStation::read_log(QTextStream& stream, bool (*read)(QTextStream&, LogTarget&))
+bool TestStation::read_log(QTextStream& stream, bool (*read)(QTextStream&, LogSink&))
 {
-    LogTarget target{profile_name, serial_number, parameters(), nullptr};
-    target.begin_cycle = [this, &target] {
+    CycleSink sink;
+    sink.profile_name = profile_name;
+    sink.serial_number = serial_number;
+    sink.parameters = parameters();
+    sink.begin_cycle = [this, &sink] {
         // Taken before the end already: a new cycle is shown as one of those the log asks for.
-        take(target.parameters);
+        take(sink.parameters);
         begin_cycle();
-        return target_of(*current_cycle);
+        return current_cycle;
     };
-    const bool accepted = read(stream, target);
-    profile_name = target.profile_name;
-    serial_number = target.serial_number;
-    take(target.parameters);
+    const bool accepted = read(stream, sink);
+    profile_name = sink.profile_name;
+    serial_number = sink.serial_number;
+    take(sink.parameters);
     return accepted;
 }

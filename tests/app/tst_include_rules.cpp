@@ -98,6 +98,18 @@ bool may_include(const QString& folder, const QString& name)
            others.contains(name.section('/', 0, 1));
 }
 
+/** The files that a list of sources names, by folder path. */
+QStringList listed_files(const QString& folder)
+{
+    static const QRegularExpression name("[\\w./]+\\.(?:h|cpp)\\b");
+    QStringList files;
+    QRegularExpressionMatchIterator matches = name.globalMatch(
+        contents(folder + "/CMakeLists.txt").section("kest_logs", 1).section(')', 0, 0));
+    while (matches.hasNext())
+        files << QDir::cleanPath(folder + "/" + matches.next().captured());
+    return files;
+}
+
 QStringList forbidden_includes(const QString& folder, const QString& text)
 {
     QStringList forbidden;
@@ -123,6 +135,7 @@ private slots:
     void an_include_is_judged_by_its_folder_data();
     void an_include_is_judged_by_its_folder();
     void nobody_includes_app();
+    void the_readers_of_logs_stand_on_themselves();
 };
 
 void IncludeRulesTest::a_file_includes_only_what_its_folder_may_data()
@@ -227,6 +240,18 @@ void IncludeRulesTest::nobody_includes_app()
 {
     for (const QString& folder : MAY_INCLUDE.keys())
         QCOMPARE(may_include(folder, "app/main_window.h"), folder == "app");
+}
+
+/** The library without a widget: what it includes is in it. The toolkit's part the build sees to. */
+void IncludeRulesTest::the_readers_of_logs_stand_on_themselves()
+{
+    const QStringList library = listed_files("common") + listed_files("station/logs");
+    QVERIFY(library.contains("common/text.h"));
+    QVERIFY(library.contains("station/logs/log_reader.cpp"));
+    QVERIFY(library.contains("station/test_parameters.h"));
+    for (const QString& path : library)
+        for (const QString& name : includes_in(contents(path)))
+            QVERIFY2(library.contains(name), qPrintable(path + ": " + name));
 }
 
 KEST_GUILESS_TEST(IncludeRulesTest)

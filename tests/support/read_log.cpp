@@ -1,7 +1,6 @@
 #include "support/read_log.h"
 
-#include "station/logs/current_log_reader.h"
-#include "station/logs/old_log_reader.h"
+#include "station/logs/log_reader.h"
 
 #include <QTextStream>
 
@@ -27,34 +26,53 @@ bool same_cycle(const ReadCycle& a, const ReadCycle& b)
            same_points(a.internal_resistance, b.internal_resistance);
 }
 
-CycleTarget target_of(ReadCycle& cycle)
+/** Fills the cycles and the rest of `log`. */
+class ReadLogSink final : public LogSink
 {
-    CycleTarget target;
-    target.start_time = &cycle.start_time;
-    target.voltage_vs_amphours = &cycle.voltage_vs_amphours;
-    target.current_vs_amphours = &cycle.current_vs_amphours;
-    target.internal_resistance = &cycle.internal_resistance;
-    target.amp_hours = &cycle.amp_hours;
-    target.watt_hours = &cycle.watt_hours;
-    return target;
-}
+public:
+    explicit ReadLogSink(ReadLog& filled) : log(filled)
+    {
+    }
+
+    void begin_discharge(const LogLine&) override
+    {
+        log.cycles.emplace_back();
+    }
+
+    void take_discharge_start(const QDateTime& start) override
+    {
+        log.cycles.back().start_time = start;
+    }
+
+    void take_row(const LogRow& row, const LogLine&) override
+    {
+        ReadCycle& cycle = log.cycles.back();
+        cycle.voltage_vs_amphours.add(row.amp_hours, row.voltage);
+        cycle.current_vs_amphours.add(row.amp_hours, row.current);
+        if (row.has_resistance)
+            cycle.internal_resistance.add(row.amp_hours, row.resistance * 1000.0);
+        cycle.amp_hours = row.amp_hours;
+        cycle.watt_hours = row.watt_hours;
+    }
+
+    void refuse(const LogRefusal& refusal) override
+    {
+        log.refusal = refusal;
+    }
+
+private:
+    ReadLog& log;
+};
 }  // namespace
 
 ReadLog::ReadLog(const QByteArray& bytes)
 {
     QTextStream stream(bytes);
-    const QString mark = stream.readLine();
-    LogTarget target;
-    target.begin_cycle = [this] {
-        return target_of(cycles.emplace_back());
-    };
-    if (mark == "Kestrometer Log")
-        accepted = read_current_log(stream, target);
-    else if (mark == "Test Parameters:")
-        accepted = read_older_log(stream, target);
-    profile_name = target.profile_name;
-    serial_number = target.serial_number;
-    parameters = target.parameters;
+    ReadLogSink sink(*this);
+    accepted = read_log(stream, sink);
+    profile_name = sink.profile_name;
+    serial_number = sink.serial_number;
+    parameters = sink.parameters;
 }
 
 bool ReadLog::same_as(const ReadLog& other) const

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "station/logs/log_target.h"
+#include "charts/series.h"
+#include "station/logs/log_sink.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -34,6 +35,7 @@ struct ReadLog
     QString profile_name;
     QString serial_number;
     TestParameters parameters;
+    LogRefusal refusal;  ///< the reader's; nobody compares it
     std::list<ReadCycle> cycles;
 
     const ReadCycle& cycle(int index) const;
