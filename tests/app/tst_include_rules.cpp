@@ -17,7 +17,10 @@ const QMap<QString, QStringList> MAY_INCLUDE = {
     {"report", {"common", "charts"}},
     {"station", {"common", "charts", "device", "config", "report", "dialogs"}},
     {"dialogs", {"common", "charts", "device", "config", "report", "station"}},
-    {"programs", {"common", "charts", "device", "config", "report", "records", "station/logs"}},
+    {"records", {"common", "station/logs"}},
+    {"programs",
+     {"common", "charts", "device", "config", "report", "records", "station/logs",
+      "programs/common"}},
     {"app", {"common", "charts", "device", "config", "report", "station", "dialogs"}},
 };
 
@@ -135,6 +138,7 @@ private slots:
     void an_include_is_judged_by_its_folder_data();
     void an_include_is_judged_by_its_folder();
     void nobody_includes_app();
+    void nobody_includes_a_program();
     void the_readers_of_logs_stand_on_themselves();
 };
 
@@ -220,6 +224,11 @@ void IncludeRulesTest::an_include_is_judged_by_its_folder_data()
     add_row("a program of another", "programs/doctor",
             "#include \"guard/child.h\"\n#include \"programs/guard/child.h\"\n",
             QStringList({"guard/child.h", "programs/guard/child.h"}));
+    add_row("a program of what all share", "programs/doctor",
+            "#include \"programs/common/terminal.h\"\n", none);
+    add_row("records of a station", "records",
+            "#include \"station/logs/log_row.h\"\n#include \"station/phase.h\"\n",
+            QStringList("station/phase.h"));
     add_row("a program of the logs", "programs/doctor",
             "#include \"station/logs/log_row.h\"\n"
             "#include \"station/test_station.h\"\n",
@@ -240,6 +249,14 @@ void IncludeRulesTest::nobody_includes_app()
 {
     for (const QString& folder : MAY_INCLUDE.keys())
         QCOMPARE(may_include(folder, "app/main_window.h"), folder == "app");
+}
+
+void IncludeRulesTest::nobody_includes_a_program()
+{
+    for (const QString& folder : MAY_INCLUDE.keys())
+        QVERIFY(!may_include(folder, "programs/kest-log/options.h"));
+    QVERIFY(!may_include("programs/kest-watch", "kest-log/options.h"));
+    QVERIFY(!may_include("programs/kest-log", "kest-watch/options.h"));
 }
 
 /** The library without a widget: what it includes is in it. The toolkit's part the build sees to. */

@@ -1,5 +1,6 @@
 #include "support/log_loading.h"
 #include "support/literal_log_reader.h"
+#include "support/mutated_log.h"
 #include "support/read_log.h"
 #include "support/test_program.h"
 
@@ -60,40 +61,6 @@ bool still_a_row(const QByteArray& line, char separator)
     const QList<QByteArray> fields = line.split(separator);
     return (fields.size() == 4 || fields.size() == 5) &&
            std::all_of(fields.begin(), fields.end(), is_number);
-}
-
-/** As many changes as there were faults in a bad day: bytes, line ends, pieces of other places. */
-QByteArray changed(QByteArray bytes, std::mt19937& random)
-{
-    const QByteArray alphabet = "0123456789.,-+:\t\n\r eEnaifYNx\xc3\xa4";
-    const auto below = [&random](int limit) {
-        return int(random() % unsigned(limit));
-    };
-    for (int changes = 1 + below(3); changes > 0 && !bytes.isEmpty(); --changes) {
-        const int at = below(bytes.size());
-        switch (below(5)) {
-        case 0:
-            bytes[at] = alphabet[below(alphabet.size())];
-            break;
-        case 1:
-            bytes.insert(at, alphabet[below(alphabet.size())]);
-            break;
-        case 2:
-            bytes.remove(at, 1 + below(8));
-            break;
-        case 3:
-            bytes.insert(at, bytes.mid(below(bytes.size()), below(60)));
-            break;
-        case 4: {
-            const int line_end = bytes.indexOf('\n', at);
-            const int next = bytes.indexOf('\n', line_end + 1);
-            if (line_end >= 0 && next >= 0)
-                bytes.remove(line_end, next - line_end);
-            break;
-        }
-        }
-    }
-    return bytes;
 }
 }  // namespace
 
@@ -165,7 +132,7 @@ void DamagedLogsTest::a_changed_log_is_read_as_the_rules_say()
     std::mt19937 random(4);
     int accepted = 0;
     for (int i = 0; i < 3000; ++i) {
-        const QByteArray damaged = changed(bytes, random);
+        const QByteArray damaged = mutated_log(bytes, random);
         const ReadLog log(damaged);
         ReadLog literal{QByteArray()};
         read_literally(damaged, literal);

@@ -1,0 +1,175 @@
+#include "records/log_check.h"
+#include "records/log_input.h"
+#include "support/test_files.h"
+#include "support/test_program.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+/** What is odd about a log that loads, and files that are no logs. */
+class LogCheckTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void warnings_refuse_nothing_data();
+    void warnings_refuse_nothing();
+    void only_the_first_odd_rows_are_listed();
+    void what_is_no_file_is_told_data();
+    void what_is_no_file_is_told();
+    void a_line_beyond_all_measure_ends_the_reading();
+    void a_log_is_left_as_it_was();
+};
+
+namespace
+{
+const QByteArray HEAD = "Kestrometer Log\nBattery Name:  A\nSerial Number: 1\n";
+const QByteArray CHARGE = HEAD + "Charge Number:               1\n";
+const QByteArray DISCHARGE = HEAD + "Discharge Number:            1\n";
+const QByteArray EVENTS = "2020-04-03 10:00:02 Switching to phase Charging because User clicked "
+                          "'Start'.\n";
+
+LogFile check_of(const QByteArray& log, const QByteArray& events)
+{
+    const QTemporaryDir folder;
+    write_file(folder.filePath("a.csv"), log);
+    if (!events.isEmpty())
+        write_file(folder.filePath("a.txt"), events);
+    LogFile file;
+    if (!check_log(folder.filePath("a.csv"), file))
+        qFatal("The log cannot be read.");
+    return file;
+}
+
+/** "4: text|0: text" */
+QString warnings_of(const LogFile& file)
+{
+    QStringList texts;
+    for (const Warning& warning : file.warnings)
+        texts << QString("%1: ").arg(warning.line) + warning.text;
+    return texts.join('|');
+}
+}  // namespace
+
+void LogCheckTest::warnings_refuse_nothing_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QByteArray>("events");
+    QTest::addColumn<QString>("warnings");
+    const QByteArray row = "1.0,0.003,40.00,10.00\n";
+    QTest::newRow("none") << DISCHARGE + row << EVENTS << "";
+    QTest::newRow("no event log") << DISCHARGE + row << QByteArray() << "0: no event log beside it";
+    QTest::newRow("a last line cut short")
+        << DISCHARGE + row + "2.0,0.006,40.00,9" << EVENTS
+        << "6: '2.0,0.006,40.00,9' loads, but the application never wrote it so|"
+           "0: the last line has no end: cut off, or being written";
+    QTest::newRow("zeros at the end")
+        << CHARGE + "0.9,41.52\n1.9," + QByteArray(3, '\0') << EVENTS
+        << QString("6: '1.9,%1%1%1' loads, but the application never wrote it so|"
+                   "0: zeros at the end, as after a loss of power")
+               .arg(QChar(0xfffd));
+    QTest::newRow("a negative resistance") << DISCHARGE + "1.0,0.003,40.00,10.00,-0.014\n"
+                                           << EVENTS << "4: negative resistances in discharge 1: 1";
+    QTest::newRow("no charge time")
+        << CHARGE + "Max Charge Time (h):         0\n0.9,41.52\n"
+        << EVENTS
+        << "4: a maximum charge time of 0: taken up again, the test would end each charge at once";
+    QTest::newRow("a charge longer than the log says")
+        << CHARGE + "Max Charge Time (h):         1\n0.9,41.52\n"
+        << EVENTS + "2020-04-03 11:30:02 Switching to phase Discharging because max charge time "
+                    "reached, prompt_to_discharge = false\n"
+        << "0: a maximum charge time of 01h 00m 00s, although a charge ended at its maximum after "
+           "01h 30m 00s";
+    QTest::newRow("a charge as long as the log says")
+        << CHARGE + "Max Charge Time (h):         1\n0.9,41.52\n"
+        << EVENTS + "2020-04-03 11:00:03 Switching to phase Discharging because max charge time "
+                    "reached, prompt_to_discharge = false\n"
+        << "";
+    QTest::newRow("two stations")
+        << DISCHARGE + row << EVENTS + "2020-04-03 11:00:03 Switching to phase Done because x\n"
+        << "0: by the event log two stations wrote at once: 'Done' at 2020-04-03T11:00:03 fits no "
+           "single test";
+    QTest::newRow("an odd line in a charge")
+        << CHARGE + "a,b\n"
+        << EVENTS << "5: 'a,b' loads, but the application never wrote it so";
+}
+
+void LogCheckTest::warnings_refuse_nothing()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QByteArray, events);
+    const LogFile file = check_of(log, events);
+    QVERIFY(file.accepted);
+    QTEST(warnings_of(file), "warnings");
+}
+
+void LogCheckTest::only_the_first_odd_rows_are_listed()
+{
+    const LogFile file = check_of(DISCHARGE + QByteArray("1,2,3,4\n").repeated(1000), EVENTS);
+    QCOMPARE(file.warnings.size(), 21);
+    QCOMPARE(file.warnings.last().text, QString("980 more such rows"));
+}
+
+void LogCheckTest::what_is_no_file_is_told_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("nothing") << "nothing"
+                             << "No such file or directory";
+    QTest::newRow("a folder") << "folder"
+                              << "it is a folder";
+    QTest::newRow("a pipe") << "pipe"
+                            << "it is no ordinary file";
+}
+
+void LogCheckTest::what_is_no_file_is_told()
+{
+    QFETCH(QString, kind);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.csv");
+    if (kind == "folder")
+        QDir().mkdir(path);
+    if (kind == "pipe")
+        QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+    LogFile file;
+    QVERIFY(!check_log(path, file));
+    QTEST(file.refusal.reason, "reason");
+}
+
+void LogCheckTest::a_line_beyond_all_measure_ends_the_reading()
+{
+    const QTemporaryDir folder;
+    QFile zeros(folder.filePath("a.csv"));
+    QVERIFY(zeros.open(QIODevice::WriteOnly));
+    // Four gigabytes with nothing on the disk.
+    QVERIFY(zeros.resize(qint64(1) << 32));
+    zeros.close();
+    LogFile file;
+    QVERIFY(check_log(zeros.fileName(), file));
+    QVERIFY(!file.accepted);
+    QCOMPARE(file.refusal.reason, QString("a line of more than 64 MB"));
+}
+
+void LogCheckTest::a_log_is_left_as_it_was()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.csv");
+    const QByteArray bytes = content_of(test_data("logs/current_one_cycle.csv"));
+    write_file(path, bytes);
+    const struct timespec long_ago[2] = {{1000000000, 0}, {1000000000, 0}};
+    QCOMPARE(::utimensat(AT_FDCWD, qPrintable(path), long_ago, 0), 0);
+    LogFile file;
+    QVERIFY(check_log(path, file));
+    struct stat status = {};
+    QCOMPARE(::stat(qPrintable(path), &status), 0);
+    QCOMPARE(qint64(status.st_mtim.tv_sec), qint64(1000000000));
+    QCOMPARE(qint64(status.st_atim.tv_sec), qint64(1000000000));
+    QCOMPARE(content_of(path), bytes);
+}
+
+KEST_GUILESS_TEST(LogCheckTest)
+#include "tst_log_check.moc"
