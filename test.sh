@@ -5,6 +5,6 @@ set -euo pipefail
 cd "$(dirname "$(readlink --canonicalize "$0")")"
 source packaging/setup.sh
 
-require_packages build test
+require_packages build programs test
 build sanitize
 exec ctest --preset sanitize --parallel 2 --output-on-failure --no-tests=error "$@"

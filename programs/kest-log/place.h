@@ -1,0 +1,12 @@
+#pragma once
+
+#include "records/log_file.h"
+
+/** "line 12, column 5: 'x' is no number" */
+QString place_of(const LogRefusal& refusal);
+
+/** A sentence about a log that could not even be read. */
+QString not_readable(const LogFile& file);
+
+/** "silence" if the instrument was reset meanwhile, "sleep or stop" if nothing happened; "?" unknown. */
+QString gap_reason(const EventLog& events, const Section& section, const Gap& gap);
