@@ -1,14 +1,12 @@
+#include "bench_log.h"
 #include "bench_station.h"
 #include "bench_table.h"
 
-#include "common/number_row.h"
-#include "station/logs/log_format.h"
 #include "station/test_station.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QProcess>
-#include <QTextStream>
 
 #include <charconv>
 #include <cstdio>
@@ -19,8 +17,7 @@
 
 namespace
 {
-constexpr int ROWS = 1000000;
-constexpr int ROWS_PER_RESISTANCE = 180;
+constexpr int ROWS = BENCH_LOG_ROWS;
 constexpr int ROUNDS = 9;
 
 /** Reads the rows of the log by the names of its columns; prints its CPU seconds. */
@@ -35,32 +32,6 @@ for _ in range(rounds):
     times.append(time.process_time() - start)
 print(statistics.median(times), len(table))
 )";
-
-QString log_header()
-{
-    LogFormat::Section section;
-    section.number = 1;
-    section.start = QDateTime(QDate(2020, 4, 3), QTime(10, 2, 44));
-    section.parameters.measure_internal_resistance = true;
-    section.parameters.internal_resistance_test_interval_ah = 0.5;
-    return LogFormat::file_header("Pack A", "1042") + LogFormat::discharge_section_header(section);
-}
-
-void write_log(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("The log cannot be written.");
-    QTextStream stream(&file);
-    stream << log_header();
-    for (int row = 0; row < ROWS; ++row) {
-        const double ir = row % ROWS_PER_RESISTANCE == 0 ? 0.014 : 0.0;
-        NumberRow text;
-        LogFormat::put_discharge_row(text, row * 1.003, row * 0.0027731, 41.0 - 0.01 * (row % 700),
-                                     9.8 + 0.1 * (row % 4), ir);
-        stream << text.view();
-    }
-}
 
 /** The plainest way to the same lists and totals: nothing is checked, nothing unusual understood. */
 class BareLoad
@@ -135,7 +106,7 @@ public:
         use_bench_settings(folder.path());
         load_bench_help();
         station = std::make_unique<TestStation>(nullptr, nullptr);
-        write_log(path);
+        write_bench_log(path);
     }
 
     /** What is measured is the loading alone: the lists of the round before are gone by then. */
@@ -236,7 +207,7 @@ private:
 
     static int header_lines()
     {
-        return log_header().count('\n');
+        return bench_log_header().count('\n');
     }
 
     QTemporaryDir folder;

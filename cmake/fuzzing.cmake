@@ -19,12 +19,15 @@ ExternalProject_Add(fuzz_targets
     INSTALL_COMMAND ""
 )
 
-# kest_fuzz_test(name runs): `runs` inputs in all, the corpus included.
+# kest_fuzz_test(name runs seeds): `runs` inputs in all, the corpus included; the corpus and the words of
+# `seeds`, or of the same name.
 function(kest_fuzz_test name runs)
+    set(seeds ${name} ${ARGN})
+    list(POP_BACK seeds seeds)
     add_test(NAME fuzz_${name} COMMAND ${CMAKE_COMMAND}
         -D FUZZER=${CMAKE_BINARY_DIR}/fuzz/fuzz_${name}
-        -D CORPUS=${CMAKE_SOURCE_DIR}/fuzz/corpus/${name}
-        -D DICTIONARY=${CMAKE_SOURCE_DIR}/fuzz/${name}.dict
+        -D CORPUS=${CMAKE_SOURCE_DIR}/fuzz/corpus/${seeds}
+        -D DICTIONARY=${CMAKE_SOURCE_DIR}/fuzz/${seeds}.dict
         -D FOUND=${CMAKE_BINARY_DIR}/fuzz-found/${name}
         -D RUNS=${runs}
         -P ${CMAKE_SOURCE_DIR}/fuzz/run_fuzzer.cmake)
@@ -36,6 +39,8 @@ endfunction()
 
 kest_fuzz_test(current_log 60000)
 kest_fuzz_test(older_log 60000)
+kest_fuzz_test(check 20000 current_log)
+kest_fuzz_test(repair 20000 current_log)
 kest_fuzz_test(telemetry 20000)
 kest_fuzz_test(settings 10000)
 kest_fuzz_test(profiles 60000)
