@@ -2,7 +2,7 @@
 
 namespace
 {
-constexpr qint64 LITTLE_BYTES = 200 * 1000 * 1000;
+constexpr qint64 LITTLE_BYTES = qint64(200) * 1000 * 1000;
 constexpr double LITTLE_HOURS = 24.0;
 
 QString megabytes(qint64 bytes)
