@@ -23,7 +23,7 @@ ExternalProject_Add(fuzz_targets
 # `seeds`, or of the same name.
 function(kest_fuzz_test name runs)
     set(seeds ${name} ${ARGN})
-    list(POP_BACK seeds seeds)
+    list(GET seeds -1 seeds)
     add_test(NAME fuzz_${name} COMMAND ${CMAKE_COMMAND}
         -D FUZZER=${CMAKE_BINARY_DIR}/fuzz/fuzz_${name}
         -D CORPUS=${CMAKE_SOURCE_DIR}/fuzz/corpus/${seeds}
