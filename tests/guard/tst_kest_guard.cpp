@@ -43,7 +43,7 @@ void KestGuardTest::killed_in_a_phase_data()
 {
     QTest::addColumn<int>("phase");
     QTest::addColumn<char>("state");
-    const QByteArray letters = "OCCOODODCOO";
+    const QByteArray letters = "OCCOODODCCO";
     for (int phase = 0; phase < letters.size(); ++phase)
         QTest::addRow("phase %d", phase) << phase << letters.at(phase);
 }
