@@ -276,7 +276,8 @@ void KestGuardLinesTest::a_line_that_another_process_holds_is_left_alone()
     QCOMPARE(
         bench.said.contains(instrument.port() + " is held by " + holder + " and was left alone."),
         is_root);
-    QCOMPARE(told_afterwards(instrument), is_root ? QByteArray() : QByteArray("4F"));
+    const QByteArray told = told_afterwards(instrument);
+    QVERIFY2(is_root ? told.isEmpty() : told.startsWith("4F"), told);
     other.closeWriteChannel();
     other.waitForFinished(PATIENCE_MS);
 }
