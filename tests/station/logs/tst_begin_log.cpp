@@ -12,6 +12,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QtTest>
 
 /** Where a new test writes, beside what earlier tests have left there. */
