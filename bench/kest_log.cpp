@@ -1,8 +1,8 @@
 #include "bench_log.h"
 #include "bench_station.h"
 #include "bench_table.h"
-#include "kest-log/export.h"
-#include "kest-log/options.h"
+#include "log/export.h"
+#include "log/options.h"
 #include "records/log_check.h"
 
 #include "station/test_station.h"

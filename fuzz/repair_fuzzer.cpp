@@ -1,5 +1,5 @@
-#include "kest-log/log_line.h"
-#include "kest-log/mender.h"
+#include "log/log_line.h"
+#include "log/mender.h"
 
 #include <QBuffer>
 #include <QCoreApplication>

@@ -254,9 +254,9 @@ void IncludeRulesTest::nobody_includes_app()
 void IncludeRulesTest::nobody_includes_a_program()
 {
     for (const QString& folder : MAY_INCLUDE.keys())
-        QCOMPARE(may_include(folder, "programs/kest-log/options.h"), folder == "programs");
-    QVERIFY(!may_include("programs/kest-watch", "kest-log/options.h"));
-    QVERIFY(!may_include("programs/kest-log", "kest-watch/options.h"));
+        QCOMPARE(may_include(folder, "programs/log/options.h"), folder == "programs");
+    QVERIFY(!may_include("programs/watch", "log/options.h"));
+    QVERIFY(!may_include("programs/log", "watch/options.h"));
 }
 
 /** The library without a widget: what it includes is in it. The toolkit's part the build sees to. */

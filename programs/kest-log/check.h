@@ -1,6 +1,0 @@
-#pragma once
-
-#include "kest-log/outcome.h"
-
-/** Whether the application would load a log, and what is odd about it. */
-Outcome check_of(const QString& path);

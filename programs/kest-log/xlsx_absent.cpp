@@ -1,6 +1,0 @@
-#include "kest-log/xlsx_export.h"
-
-std::unique_ptr<Exporter> make_xlsx_export(OutputFile&, const QTimeZone&)
-{
-    return nullptr;
-}

@@ -1,0 +1,92 @@
+#include "log/bdf_export.h"
+
+#include "log/fixed_text.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+
+namespace
+{
+const char* const COLUMNS[] = {
+    "Test Time / s",
+    "Voltage / V",
+    "Current / A",
+    "Unix Time / s",
+    "Cycle Count / 1",
+    "Step Count / 1",
+    "Discharging Capacity / Ah",
+    "Discharging Energy / Wh",
+    "Internal Resistance / Ohm",
+};
+}
+
+void BdfExport::begin_log(LogGeneration log_generation)
+{
+    Exporter::begin_log(log_generation);
+    QByteArrayList titles;
+    for (const char* name : COLUMNS)
+        titles << name;
+    out.write(titles.join(',') + "\r\n");
+}
+
+void BdfExport::row_read(const Section& section, const Row& row, const LogLine&)
+{
+    note_row(row);
+    if (section.kind == SectionKind::Charge) {
+        ++charge_rows;
+        return;
+    }
+    ++discharge_rows;
+    text.resize(0);
+    append_fixed(text, test_seconds(row), 1);
+    text += ',';
+    append_fixed(text, row.volts, 2);
+    text += ',';
+    append_fixed(text, -row.amps, 2);
+    text += ',';
+    if (time_known())
+        append_fixed(text, double(milliseconds(row)) / 1000.0, 1);
+    text += ',';
+    text += QByteArray::number(section.number);
+    text += ',';
+    text += QByteArray::number(step);
+    text += ',';
+    append_fixed(text, row.amp_hours, 3);
+    text += ',';
+    append_fixed(text, row.watt_hours, 4);
+    text += ',';
+    if (row.has_resistance)
+        append_fixed(text, row.milliohms / 1000.0, 3);
+    text += "\r\n";
+    out.write(text);
+}
+
+QStringList BdfExport::notes() const
+{
+    if (charge_rows == 0)
+        return QStringList();
+    return {QString("%1 rows of charges are left out: the log holds no current for them, which the "
+                    "Battery Data Format requires.")
+                .arg(charge_rows)};
+}
+
+QJsonObject BdfExport::metadata(const QString& log_name) const
+{
+    QJsonArray columns;
+    for (const char* name : COLUMNS)
+        columns << name;
+    return {{"format", "Battery Data Format"},
+            {"source", log_name},
+            {"made_by",
+             QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion()},
+            {"battery", profile_name},
+            {"serial_number", serial_number},
+            {"instrument", "Kestrometer"},
+            {"columns", columns},
+            {"rows", discharge_rows},
+            {"charge_rows_left_out", charge_rows},
+            {"current_sign", "discharge is negative"},
+            {"voltage_resolution_volts", 0.01},
+            {"current_resolution_amps", 0.01},
+            {"capacity_resolution_amp_hours", 0.001}};
+}
