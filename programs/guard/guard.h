@@ -5,10 +5,10 @@
 #include "guard/guard_clock.h"
 #include "guard/guard_options.h"
 #include "guard/notes.h"
-#include "guard/signal_reader.h"
 #include "guard/switching_lock.h"
 #include "guard/switching_run.h"
 #include "guard/teller.h"
+#include "programs/common/signal_reader.h"
 
 #include <QMap>
 #include <QObject>

@@ -2,8 +2,8 @@
 
 #include "guard/guard_clock.h"
 #include "guard/guard_options.h"
-#include "guard/signal_reader.h"
 #include "guard/switching_run.h"
+#include "programs/common/signal_reader.h"
 
 #include <QObject>
 #include <QStringList>

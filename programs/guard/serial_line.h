@@ -1,7 +1,7 @@
 #pragma once
 
-#include "guard/open_files.h"
 #include "guard/terminal_kinds.h"
+#include "programs/common/open_files.h"
 
 #include <QMetaType>
 #include <QString>

@@ -1,32 +1,12 @@
 #pragma once
 
+#include "records/condition.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
 
 #include <limits>
-
-/** What a test, or the machine, is found at. Several may hold at a time. */
-enum class Condition
-{
-    Charging,
-    Discharging,
-    TestingResistance,
-    TestingCharge,
-    WaitsForOperator,
-    Done,
-    InstrumentSilent,
-    NoCurrent,
-    StepDoesNotEnd,
-    ResistanceTestsFail,
-    ProgramGone,
-    Ended,
-    PerhapsEnded,
-    DiskLow,
-    DiskFull,
-    ClockStepped,
-    WokeFromSleep
-};
 
 /** What is known of a test beside its condition; what is not known is empty or NaN. */
 struct TestFacts

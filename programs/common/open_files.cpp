@@ -1,4 +1,4 @@
-#include "guard/open_files.h"
+#include "programs/common/open_files.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "guard/system_roots.h"
+#include "programs/common/system_roots.h"
 
 #include <QString>
 #include <QVector>

@@ -1,4 +1,4 @@
-#include "guard/signal_reader.h"
+#include "programs/common/signal_reader.h"
 
 #include <csignal>
 #include <sys/signalfd.h>

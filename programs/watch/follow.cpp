@@ -1,0 +1,63 @@
+#include "watch/follow.h"
+
+#include "programs/common/exit_code.h"
+#include "programs/common/signal_reader.h"
+#include "watch/teller.h"
+#include "watch/watch.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <csignal>
+#include <sys/signalfd.h>
+
+namespace
+{
+constexpr int LOOK_MS = 2000;
+
+/** Ctrl-C, SIGTERM and SIGHUP as events, so that a look is never broken off. */
+int end_signals()
+{
+    sigset_t ends;
+    ::sigemptyset(&ends);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        ::sigaddset(&ends, signal);
+    ::sigprocmask(SIG_BLOCK, &ends, nullptr);
+    return ::signalfd(-1, &ends, SFD_NONBLOCK | SFD_CLOEXEC);
+}
+
+/** Stands where nobody is told. */
+class SilentTeller : public Teller
+{
+public:
+    void hear(const Look&, const QDateTime&) override
+    {
+    }
+};
+
+WatchSettings settings_of(const WatchOptions& options)
+{
+    WatchSettings settings;
+    settings.folders = options.folders;
+    settings.quiet_seconds = options.quiet_seconds;
+    return settings;
+}
+}  // namespace
+
+int follow(const WatchOptions& options)
+{
+    SignalReader ends(end_signals());
+    QObject::connect(&ends, &SignalReader::sig_signal, [] { QCoreApplication::quit(); });
+    Watch watch(settings_of(options));
+    SilentTeller teller;
+    const auto look = [&] {
+        const Moment moment = present_moment();
+        teller.hear(watch.look(moment), moment.time);
+    };
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, look);
+    timer.start(LOOK_MS);
+    look();
+    QCoreApplication::exec();
+    return EXIT_GOOD;
+}
