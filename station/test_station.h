@@ -1,6 +1,7 @@
 #pragma once
 
 #include "charts/line_chart.h"
+#include "station/panel/readouts.h"
 #include "station/panel/selection_killer_delegate.h"
 #include "station/phase.h"
 #include "station/test_cycle.h"
@@ -206,14 +207,10 @@ private:
     void set_up_all_cycles_checkbox();
     void set_up_color_combobox();
 
-    // ---- panel/display.cpp: every label at every moment -------------------
+    // ---- panel/display.cpp, panel/readouts.h ------------------------------
     void show_start_skip(StartSkip button);
-    void show_readouts();
-    void show_internal_resistance();
-    void show_totals();
-    void show_current_or_charge_time(const QDateTime& now);
 
-    int shown_resistances = -1;  ///< points behind the mean that is shown; -1 if not known
+    Readouts readouts{*this};
 
 public:
     // ---- shared data: parameters of the test ------------------------------

@@ -124,7 +124,7 @@ void TestStation::slot_measurement()
         record_measurement();
         check_transitions();
     }
-    show_readouts();
+    readouts.show_changes();
 }
 
 void TestStation::record_measurement()

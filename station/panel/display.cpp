@@ -3,15 +3,9 @@
 #include "ui_test_station.h"
 
 #include "common/date_time.h"
-#include "common/file.h"
-#include "common/number_row.h"
-#include "common/time_span.h"
-#include "common/unicode.h"
 #include "common/widget_colors.h"
 #include "common/widget_sizing.h"
-#include "config/help_ids.h"
 #include "config/settings.h"
-#include "config/tool_tips.h"
 #include "device/kestrometer.h"
 
 namespace
@@ -24,12 +18,6 @@ constexpr double LEAST_DISCHARGE_CURRENT = 0.1;  // amps
 QString parameter(double value)
 {
     return QString::number(value, 'g', 6);
-}
-
-void warn_of_name(const QString& name, QLabel* blank, QLabel* bad)
-{
-    blank->setVisible(name.isEmpty());
-    bad->setVisible(File::contains_unsafe_filename_characters(name));
 }
 
 void blink_next_button(const TestStation& station)
@@ -58,19 +46,6 @@ void show_instrument_health(TestStation& station)
                                              station.kestrometer->current <
                                                  LEAST_DISCHARGE_CURRENT);
 }
-
-/** The finished figures stay until the new cycle has delivered something. */
-const TestCycle* shown_cycle(const TestStation& station)
-{
-    const bool nothing_yet = station.current_cycle != nullptr &&
-                             station.current_cycle->amp_hours == 0.0 && station.cycles.size() >= 2;
-    return nothing_yet ? station.cycles.at(station.cycles.size() - 2) : station.current_cycle;
-}
-
-QString total(const TestCycle* cycle, double TestCycle::*value)
-{
-    return cycle != nullptr ? fixed_decimal(cycle->*value, 2) : QString("?");
-}
 }  // namespace
 
 void TestStation::populate_ui()
@@ -93,71 +68,7 @@ void TestStation::populate_ui()
 
 void TestStation::update_ui()
 {
-    shown_resistances = -1;
-    show_readouts();
-}
-
-void TestStation::show_readouts()
-{
-    warn_of_name(serial_number, ui->laBlankSerialNumber, ui->laBadSerialNumber);
-    warn_of_name(profile_name, ui->laBlankName, ui->laBadName);
-    if (phase == PHASE_IDLE)
-        ui->pbStartSkip->setEnabled(kestrometer != nullptr &&
-                                    File::is_safe_filename(serial_number) &&
-                                    File::is_safe_filename(profile_name));
-    ui->laStationID->setText(Unicode::thin_space + get_id());
-    ui->laCycleNumber->setText(
-        QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
-    show_internal_resistance();
-    show_totals();
-    ui->laPhase->setText(phase_to_string(phase));
-    ui->laVoltage->setText(kestrometer != nullptr ? fixed_decimal(kestrometer->voltage, 1) + " V"
-                                                  : QString("? V"));
-    const QDateTime now = Time::now();
-    show_current_or_charge_time(now);
-    ui->laElapsedTime->setText(data_log != nullptr ? format_time_span(leg_start_time.secsTo(now))
-                                                   : QString("0s"));
-}
-
-/** Only a new point moves the mean, and in a long test there are thousands to go through. */
-void TestStation::show_internal_resistance()
-{
-    int count = 0;
-    for (const TestCycle* cycle : qAsConst(cycles))
-        count += cycle->internal_resistance.points.size();
-    if (count == shown_resistances)
-        return;
-    shown_resistances = count;
-    ui->laIntResistance->setText(get_avg_internal_resistance_string());
-}
-
-void TestStation::show_totals()
-{
-    const TestCycle* cycle = shown_cycle(*this);
-    const QString amp_hours = total(cycle, &TestCycle::amp_hours) + " Ah";
-    ui->laCummAmpHours->setText(amp_hours);
-    ui->laCummAmpHours2->setText(amp_hours);
-    ui->laCummWattHours->setText(total(cycle, &TestCycle::watt_hours) + " Wh");
-}
-
-void TestStation::show_current_or_charge_time(const QDateTime& now)
-{
-    if (kestrometer == nullptr) {
-        ui->laCurrent->setText("? A");
-        return;
-    }
-    switch (traits_of(phase).readout) {
-    case Readout::Kept:
-        break;
-    case Readout::Current:
-        ui->laCurrent->setText(fixed_decimal(kestrometer->current, 2) + " A");
-        ToolTips::assign(ui->laCurrent, HELP_CURRENT);
-        break;
-    case Readout::ChargeTime:
-        ui->laCurrent->setText(format_time_span(leg_start_time.secsTo(now)));
-        ToolTips::assign(ui->laCurrent, HELP_CHARGE_TIME);
-        break;
-    }
+    readouts.show_all();
 }
 
 void TestStation::show_start_skip(StartSkip button)

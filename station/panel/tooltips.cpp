@@ -61,4 +61,5 @@ void TestStation::set_tooltips()
     for (const HelpText& text : texts)
         for (QWidget* widget : text.widgets)
             ToolTips::assign(widget, text.id);
+    readouts.forget_current_help();
 }

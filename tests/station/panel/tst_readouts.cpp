@@ -10,7 +10,7 @@
 
 #include <functional>
 
-/** What a line of telemetry shows: all that it has changed. */
+/** What a line of telemetry shows: all that it has changed, and nothing else. */
 class ReadoutsTest : public QObject
 {
     Q_OBJECT
@@ -19,6 +19,7 @@ private slots:
     void lines_show_what_a_full_refresh_would();
     void a_line_shows_whatever_has_changed_before_it_data();
     void a_line_shows_whatever_has_changed_before_it();
+    void the_current_gets_its_help_once();
     void a_missing_help_is_told_at_every_line();
 };
 
@@ -56,6 +57,19 @@ QStringList panels_of_a_tour(bool refreshed)
         qFatal("The tour has left a phase out.");
     return panels;
 }
+
+/** Counts the new tooltips of a widget. */
+class HelpCounter : public QObject
+{
+public:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::ToolTipChange ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
 
 using Change = std::function<void(TestStation&)>;
 
@@ -115,6 +129,22 @@ void ReadoutsTest::a_line_shows_whatever_has_changed_before_it()
     QVERIFY(after != before);
     bench.station->update_ui();
     QCOMPARE(after, panel_of(bench));
+}
+
+void ReadoutsTest::the_current_gets_its_help_once()
+{
+    StationBench bench;
+    begin_discharge(bench);
+    HelpCounter counter;
+    bench.widget<QLabel>("laCurrent")->installEventFilter(&counter);
+    for (int i = 0; i < 3; ++i)
+        bench.receive("41.52", "9.98", "D");
+    QCOMPARE(counter.count, 0);
+    // Put there anew with all the others, it is not known any more.
+    bench.station->set_tooltips();
+    counter.count = 0;
+    bench.receive("41.52", "9.98", "D");
+    QCOMPARE(counter.count, 1);
 }
 
 void ReadoutsTest::a_missing_help_is_told_at_every_line()
