@@ -2,6 +2,7 @@
 
 #include "common/date_time.h"
 #include "common/file.h"
+#include "records/event_line.h"
 
 #include <QFile>
 #include <QTextStream>
@@ -10,11 +11,7 @@
 
 namespace
 {
-const QString SWITCHING = "Switching to phase ";
-const QString BECAUSE = " because ";
-const QString RESETTING = "Attempting to reset the Kestrometer";
 const QString USER_CLICKED = "User clicked";
-constexpr int STAMP_LENGTH = 19;
 
 /** What a phase may be followed by in one test. A start by hand may follow anything. */
 struct Followers
@@ -53,22 +50,11 @@ bool may_follow(const QString& phase, const QString& next)
 
 void take_line(const QString& line, EventLog& log)
 {
-    if (line.size() <= STAMP_LENGTH)
-        return;
-    const QStringView text = QStringView(line).mid(STAMP_LENGTH + 1);
-    const bool change = text.startsWith(SWITCHING);
-    if (!change && !text.startsWith(RESETTING))
-        return;
-    const QDateTime time =
-        QDateTime::fromString(line.left(STAMP_LENGTH), Time::ISO_8601_DATE_TIME_FORMAT);
-    if (!change) {
-        log.resets << time;
-        return;
-    }
-    const QString rest = text.mid(SWITCHING.size()).toString();
-    const int at = rest.indexOf(BECAUSE);
-    if (at >= 0)
-        log.changes.append({time, rest.left(at), rest.mid(at + BECAUSE.size())});
+    const EventLine event = read_event_line(line);
+    if (event.kind == EventKind::Reset)
+        log.resets << event.time;
+    if (event.kind == EventKind::PhaseChange)
+        log.changes.append({event.time, event.phase, event.reason});
 }
 }  // namespace
 

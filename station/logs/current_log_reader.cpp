@@ -298,3 +298,22 @@ bool read_current_log(QTextStream& stream, LogSink& sink)
     }
     return true;
 }
+
+class CurrentLogPass::Pass : public ::Pass
+{
+public:
+    using ::Pass::Pass;
+};
+
+CurrentLogPass::CurrentLogPass(LogSink& sink) : pass(std::make_unique<Pass>(sink))
+{
+}
+
+CurrentLogPass::~CurrentLogPass() = default;
+
+bool CurrentLogPass::take_line(const QString& text)
+{
+    pass->line.text = text;
+    ++pass->line.number;
+    return pass->read_line();
+}
