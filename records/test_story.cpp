@@ -9,13 +9,13 @@ constexpr qint64 LONGEST_RESET_INTERVAL_MS = 16000;
 const QString COMPLETED = "Completed IR Test, IR = ";
 }  // namespace
 
-void TestStory::take(const EventLine& line, qint64 arrival_ms)
+void TestStory::take(const EventLine& line, qint64 arrival_ms, const QDateTime& since)
 {
     if (line.time.isValid())
         settle(line.time);
     switch (line.kind) {
     case EventKind::PhaseChange:
-        take_change(line, arrival_ms);
+        take_change(line, arrival_ms, since);
         break;
     case EventKind::BotchedTest:
         ++botched_tests;
@@ -38,7 +38,7 @@ void TestStory::take(const EventLine& line, qint64 arrival_ms)
     }
 }
 
-void TestStory::take_change(const EventLine& line, qint64 arrival_ms)
+void TestStory::take_change(const EventLine& line, qint64 arrival_ms, const QDateTime& since)
 {
     const TestPhase phase = phase_of(line.phase);
     if (phase == TestPhase::Discharging && last.phase != TestPhase::ResistanceRecovery) {
@@ -50,7 +50,7 @@ void TestStory::take_change(const EventLine& line, qint64 arrival_ms)
         botched_tests = 0;
     if (last_stood)
         settled = last;
-    last = {phase, line.phase, line.reason, line.time, arrival_ms};
+    last = {phase, line.phase, line.reason, line.time, arrival_ms, since};
     if (empty)
         settled = last;
     last_stood = false;

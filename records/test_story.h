@@ -10,6 +10,7 @@ struct StoryPhase
     QString reason;
     QDateTime time;         ///< as the event log has it: local time without a zone
     qint64 arrival_ms = 0;  ///< by a clock that never steps
+    QDateTime since;        ///< UTC, as far as whoever reads the log knows
 };
 
 /**
@@ -21,7 +22,7 @@ struct StoryPhase
 class TestStory
 {
 public:
-    void take(const EventLine& line, qint64 arrival_ms);
+    void take(const EventLine& line, qint64 arrival_ms, const QDateTime& since = QDateTime());
 
     /**
      * The phase that counts: the last one that has stood for 3 seconds, as a charge may pass through
@@ -44,7 +45,7 @@ public:
     void end_silence();
 
 private:
-    void take_change(const EventLine& line, qint64 arrival_ms);
+    void take_change(const EventLine& line, qint64 arrival_ms, const QDateTime& since);
     void settle(const QDateTime& later);
 
     StoryPhase last;

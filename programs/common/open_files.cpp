@@ -51,6 +51,12 @@ QByteArray value_in(const QByteArray& text, const QByteArray& key)
     return {};
 }
 
+int flags_of(const QString& process_folder, int descriptor)
+{
+    const QByteArray text = contents(QString("%1/fdinfo/%2").arg(process_folder).arg(descriptor));
+    return value_in(text, "flags:").toInt(nullptr, 8);
+}
+
 void read_details(OpenDevice& device, const QString& process_folder)
 {
     const QByteArray text =
@@ -108,6 +114,44 @@ OpenFiles open_files_of(pid_t process, const SystemRoots& roots)
     return files;
 }
 
+QVector<WrittenFile> written_files_of(pid_t process, const QByteArray& ending,
+                                      const SystemRoots& roots)
+{
+    QVector<WrittenFile> files;
+    const QString process_folder = folder_of(process, roots);
+    const Folder folder = open_folder(process_folder + "/fd");
+    if (folder == nullptr)
+        return files;
+    while (const dirent* const entry = ::readdir(folder.get())) {
+        WrittenFile file;
+        file.descriptor = number_of(*entry);
+        char path[4096];
+        const ssize_t length =
+            ::readlinkat(::dirfd(folder.get()), entry->d_name, path, sizeof path);
+        file.path = QByteArray(path, int(std::max<ssize_t>(length, 0)));
+        // By the name first: to ask for a file on a network that has gone may take for ever.
+        if (!file.path.endsWith(ending) && !file.path.endsWith(ending + " (deleted)"))
+            continue;
+        struct stat status = {};
+        if (::fstatat(::dirfd(folder.get()), entry->d_name, &status, 0) != 0 ||
+            !S_ISREG(status.st_mode) ||
+            (flags_of(process_folder, file.descriptor) & O_ACCMODE) == O_RDONLY)
+            continue;
+        file.device = status.st_dev;
+        file.inode = status.st_ino;
+        files << file;
+    }
+    return files;
+}
+
+bool has_open(pid_t process, int descriptor, dev_t device, ino_t inode, const SystemRoots& roots)
+{
+    struct stat status = {};
+    const QString path = QString("%1/fd/%2").arg(folder_of(process, roots)).arg(descriptor);
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && status.st_dev == device &&
+           status.st_ino == inode;
+}
+
 QVector<pid_t> all_processes(const SystemRoots& roots)
 {
     QVector<pid_t> processes;
@@ -123,6 +167,11 @@ QVector<pid_t> all_processes(const SystemRoots& roots)
 QString name_of_process(pid_t process, const SystemRoots& roots)
 {
     return QString::fromLocal8Bit(contents(folder_of(process, roots) + "/comm")).trimmed();
+}
+
+quint64 start_of_process(pid_t process, const SystemRoots& roots)
+{
+    return columns_of(process, roots).value(19).toULongLong();
 }
 
 dev_t controlling_terminal_of(pid_t process, const SystemRoots& roots)

@@ -32,11 +32,30 @@ struct OpenFiles
 
 OpenFiles open_files_of(pid_t process, const SystemRoots& roots);
 
+/** A plain file that a process has open to write. */
+struct WrittenFile
+{
+    int descriptor = -1;
+    QByteArray path;  ///< as the system names it: "/home/a/Pack_1.csv", with " (deleted)" if it is
+    dev_t device = 0;
+    ino_t inode = 0;
+};
+
+/** Those whose names end so, ".csv"; no other file is touched. */
+QVector<WrittenFile> written_files_of(pid_t process, const QByteArray& ending,
+                                      const SystemRoots& roots);
+
+/** Whether the process has this very file open under this number. */
+bool has_open(pid_t process, int descriptor, dev_t device, ino_t inode, const SystemRoots& roots);
+
 /** The numbers of all processes; empty where the system does not tell. */
 QVector<pid_t> all_processes(const SystemRoots& roots);
 
 /** "screen"; empty if there is no such process. */
 QString name_of_process(pid_t process, const SystemRoots& roots);
+
+/** When it was started, in the system's own ticks since its start; 0 if there is no such process. */
+quint64 start_of_process(pid_t process, const SystemRoots& roots);
 
 /** Number of the terminal that the process is controlled from; 0 for none. */
 dev_t controlling_terminal_of(pid_t process, const SystemRoots& roots);

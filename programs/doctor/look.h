@@ -1,8 +1,8 @@
 #pragma once
 
-#include "doctor/file_view.h"
 #include "doctor/processes.h"
 #include "doctor/seen.h"
+#include "programs/common/file_view.h"
 
 /** Looks at all but what the ports say. Opens no port and writes nothing. */
 Seen look(const FileView& view);

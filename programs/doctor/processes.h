@@ -1,7 +1,7 @@
 #pragma once
 
-#include "doctor/file_view.h"
 #include "doctor/seen.h"
+#include "programs/common/file_view.h"
 
 #include <QHash>
 

@@ -1,14 +1,22 @@
 #pragma once
 
+#include "watch/log_folder.h"
+#include "watch/log_holders.h"
 #include "watch/look.h"
+#include "watch/machine_look.h"
 #include "watch/moment.h"
+#include "watch/watched_log.h"
 
 #include <QStringList>
+
+#include <memory>
+#include <vector>
 
 /** What the watch has to know before its first look. */
 struct WatchSettings
 {
     QStringList folders;     ///< absolute
+    QString state_folder;    ///< where it remembers which tests ran; empty: nowhere
     int quiet_seconds = 30;  ///< without a row, where rows are due: the instrument is silent
 };
 
@@ -22,5 +30,24 @@ public:
     Look look(const Moment& moment);
 
 private:
+    void follow_names(const LogFolder& folder);
+    void scan_when_due(const Moment& moment);
+    void begin_to_follow(const LogFolder& folder);
+    void forget_old(const Moment& moment);
+    bool is_to_be_forgotten(const WatchedLog& log, const Moment& moment) const;
+    WatchedLog* watched(const QByteArray& path) const;
+    void add(const QByteArray& path, const LogFolder& folder);
+    bool may_hide(const LogFolder& folder, const QByteArray& path) const;
+    void remember() const;
+    void recall();
+    QList<FolderUse> folder_uses() const;
+
     WatchSettings settings;
+    LogHolders holders;
+    MachineLook machine;
+    std::vector<std::unique_ptr<LogFolder>> folders;
+    std::vector<std::unique_ptr<WatchedLog>> logs;
+    qint64 scanned_ms = 0;
+    bool scanned = false;
+    mutable QByteArray remembered;
 };

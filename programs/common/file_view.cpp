@@ -1,4 +1,4 @@
-#include "doctor/file_view.h"
+#include "programs/common/file_view.h"
 
 #include <QDir>
 #include <QFile>

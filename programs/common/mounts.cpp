@@ -1,0 +1,44 @@
+#include "programs/common/mounts.h"
+
+#include "programs/common/file_view.h"
+
+namespace
+{
+/** "\040" is a blank in the kernel's table of mounts. */
+QString unescaped(const QString& text)
+{
+    QString result;
+    for (int at = 0; at < text.size(); ++at) {
+        bool ok = false;
+        const int code = text[at] == '\\' ? text.midRef(at + 1, 3).toInt(&ok, 8) : 0;
+        result += ok ? QChar(code) : text[at];
+        at += ok ? 3 : 0;
+    }
+    return result;
+}
+}  // namespace
+
+QString file_system_of(const FileView& view, const QString& path)
+{
+    QString nearest;
+    QString kind;
+    const QStringList mounts = view.text("/proc/self/mountinfo").split('\n');
+    for (const QString& mount : mounts) {
+        const QString point = unescaped(mount.section(' ', 4, 4));
+        const QString inside = point == "/" ? point : point + "/";
+        // The later of two mounts on one place hides the earlier.
+        if (!point.isEmpty() && (path + "/").startsWith(inside) && point.size() >= nearest.size()) {
+            nearest = point;
+            kind = mount.section(" - ", 1).section(' ', 0, 0);
+        }
+    }
+    return kind;
+}
+
+bool is_network(const QString& file_system)
+{
+    static const QStringList KINDS = {
+        "afs",         "ceph",       "cifs", "fuse.davfs", "fuse.glusterfs", "fuse.gvfsd-fuse",
+        "fuse.rclone", "fuse.sshfs", "nfs",  "nfs4",       "smb3",           "smbfs"};
+    return KINDS.contains(file_system);
+}

@@ -1,0 +1,52 @@
+#include "watch/log_holders.h"
+
+#include "programs/common/open_files.h"
+
+#include <algorithm>
+
+LogHolders::LogHolders(SystemRoots system_roots) : roots(std::move(system_roots))
+{
+}
+
+void LogHolders::scan()
+{
+    holders.clear();
+    for (const pid_t process : all_processes(roots)) {
+        for (const WrittenFile& file : written_files_of(process, ".csv", roots)) {
+            Holder holder;
+            holder.process = process;
+            holder.started = start_of_process(process, roots);
+            holder.descriptor = file.descriptor;
+            holder.program = name_of_process(process, roots);
+            holders.insert({file.device, file.inode}, holder);
+        }
+    }
+}
+
+Holder LogHolders::of(const FileIdentity& file) const
+{
+    return holders.value(file);
+}
+
+QList<FileIdentity> LogHolders::held() const
+{
+    return holders.keys();
+}
+
+bool LogHolders::holds(const Holder& holder, const FileIdentity& file) const
+{
+    return holder.is_known() &&
+           has_open(holder.process, holder.descriptor, file.device, file.inode, roots);
+}
+
+bool LogHolders::lives(const Holder& holder) const
+{
+    return holder.is_known() && start_of_process(holder.process, roots) == holder.started;
+}
+
+bool LogHolders::program_runs_again(const Holder& holder) const
+{
+    return std::any_of(holders.begin(), holders.end(), [&holder](const Holder& other) {
+        return other.program == holder.program && other.started > holder.started;
+    });
+}
