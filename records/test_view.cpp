@@ -45,6 +45,12 @@ bool perhaps_ended(const TestView& view, double quiet_seconds)
            view.line_seconds > quiet_seconds;
 }
 
+bool in_discharge(TestPhase phase)
+{
+    return phase == TestPhase::Discharging || phase == TestPhase::ResistanceTest ||
+           phase == TestPhase::ResistanceRecovery;
+}
+
 QList<Condition> conditions_of_running_test(const TestView& view, double quiet_seconds)
 {
     if (view.phase == TestPhase::Unknown)
@@ -59,7 +65,7 @@ QList<Condition> conditions_of_running_test(const TestView& view, double quiet_s
         conditions << Condition::NoCurrent;
     if (!silent && traits_of(view.phase).is_step && view.phase_seconds > LONGEST_STEP)
         conditions << Condition::StepDoesNotEnd;
-    if (view.phase != TestPhase::Done && view.botched_tests >= BOTCHED_TESTS)
+    if (in_discharge(view.phase) && view.botched_tests >= BOTCHED_TESTS)
         conditions << Condition::ResistanceTestsFail;
     return conditions;
 }

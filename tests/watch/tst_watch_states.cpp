@@ -160,6 +160,8 @@ void add_troubles()
     found("two botched", botched(2, running(TestPhase::Discharging)), "discharging");
     found("three botched", botched(3, running(TestPhase::Discharging)),
           "discharging resistance-tests-fail");
+    found("botched, and testing on", botched(3, test), "testing-resistance resistance-tests-fail");
+    found("botched, and charging again", botched(3, running(TestPhase::Charging)), "charging");
     found("botched, and done", botched(3, running(TestPhase::Done)), "done");
 }
 }  // namespace
