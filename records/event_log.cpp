@@ -2,6 +2,7 @@
 
 #include "common/date_time.h"
 #include "common/file.h"
+#include "common/parse_int.h"
 #include "records/event_line.h"
 
 #include <QFile>
@@ -11,50 +12,71 @@
 
 namespace
 {
-const QString USER_CLICKED = "User clicked";
-
-/** What a phase may be followed by in one test. A start by hand may follow anything. */
-struct Followers
+/** Lines of an event log on their way into its values. */
+class EventReader
 {
-    const char* phase;
-    const char* next[6];
+public:
+    explicit EventReader(EventLog& filled) : log(filled)
+    {
+    }
+
+    void take_line(const QString& line);
+
+private:
+    void take_change(const PhaseChange& change);
+    void take_telemetry(const QString& line, const QDateTime& time);
+    void accuse(const QString& what);
+
+    EventLog& log;
+    PhaseRoad road;
+    int instrument = 0;  ///< of the last telemetry line
+    int turns = 0;       ///< changes of the instrument since a test was started
+    bool instrument_known = false;
 };
 
-constexpr Followers FOLLOWERS[] = {
-    {"Charging", {"Charging", "Full Charge Test", "Ready for", "Discharging"}},
-    {"Full Charge Test", {"Charging", "Ready for", "Discharging"}},
-    {"Ready for", {"Discharging"}},
-    // A charge test that falls due on the line that ends its charge comes on top of what follows.
-    {"Discharging", {"IR Test", "Charging", "Charging (final)", "Full Charge Test"}},
-    {"IR Test", {"Recovering from IR Test", "Charging", "Charging (final)"}},
-    {"Recovering from IR Test", {"Discharging"}},
-    {"Charging (final)", {"Final Charge Test", "Done", "Charging"}},
-    {"Final Charge Test", {"Charging (final)", "Done", "Charging"}},
-    {"Done", {"Final Charge Test", "Charging"}},
-};
-
-/** "Ready for 2nd Discharge" is "Ready for": the number tells nothing here. */
-QString plain_phase(const QString& phase)
-{
-    return phase.startsWith("Ready for") ? QString("Ready for") : phase;
-}
-
-bool may_follow(const QString& phase, const QString& next)
-{
-    for (const Followers& row : FOLLOWERS)
-        if (phase == row.phase)
-            return std::any_of(std::begin(row.next), std::end(row.next),
-                               [&next](const char* name) { return next == name; });
-    return true;  // a phase that this table does not know
-}
-
-void take_line(const QString& line, EventLog& log)
+void EventReader::take_line(const QString& line)
 {
     const EventLine event = read_event_line(line);
+    if (event.kind == EventKind::PhaseChange)
+        take_change({event.time, event.phase, event.reason});
     if (event.kind == EventKind::Reset)
         log.resets << event.time;
-    if (event.kind == EventKind::PhaseChange)
-        log.changes.append({event.time, event.phase, event.reason});
+    if (event.kind == EventKind::Telemetry)
+        take_telemetry(line, event.time);
+}
+
+void EventReader::take_change(const PhaseChange& change)
+{
+    if (is_start_by_hand(change))
+        turns = 0;
+    if (!road.take(change))
+        accuse(QString("'%1' at %2 belongs to a test that was under way when another was started")
+                   .arg(change.phase, change.time.toString(Time::ISO_8601_DATE_TIME_FORMAT)));
+    log.changes << change;
+}
+
+/** An instrument may be exchanged; that two of them take turns in one test is another thing. */
+void EventReader::take_telemetry(const QString& line, const QDateTime& time)
+{
+    constexpr int MOST_TURNS = 20;  // noise may make a number of nothing now and then
+    if (line.count('\t') != 6)
+        return;
+    int number = 0;
+    if (!parse_int(line.section('\t', 5, 5).remove("ID="), number))
+        return;
+    if (instrument_known && number != instrument && ++turns > MOST_TURNS)
+        accuse(QString("instruments %1 and %2 take turns at %3")
+                   .arg(qMin(number, instrument))
+                   .arg(qMax(number, instrument))
+                   .arg(time.toString(Time::ISO_8601_DATE_TIME_FORMAT)));
+    instrument = number;
+    instrument_known = true;
+}
+
+void EventReader::accuse(const QString& what)
+{
+    if (log.two_writers.isEmpty())
+        log.two_writers = what;
 }
 }  // namespace
 
@@ -90,15 +112,13 @@ QList<HeldTime> EventLog::held_times() const
     return times;
 }
 
-const PhaseChange* EventLog::second_writer() const
+int EventLog::change_at(const QDateTime& time) const
 {
-    for (int i = 1; i < changes.size(); ++i) {
-        const PhaseChange& change = changes[i];
-        const bool by_hand = change.reason.startsWith(USER_CLICKED);
-        if (!by_hand && !may_follow(plain_phase(changes[i - 1].phase), plain_phase(change.phase)))
-            return &change;
-    }
-    return nullptr;
+    const auto found =
+        std::find_if(changes.begin(), changes.end(), [&time](const PhaseChange& change) {
+            return time.isValid() && qAbs(change.time.secsTo(time)) <= 1;
+        });
+    return found == changes.end() ? -1 : int(found - changes.begin());
 }
 
 QString event_log_path(const QString& log_path)
@@ -114,9 +134,10 @@ EventLog read_event_log(QIODevice& device)
     EventLog log;
     log.exists = true;
     QTextStream stream(&device);
+    EventReader reader(log);
     QString line;
     while (stream.readLineInto(&line, LONGEST_LINE))
-        take_line(line, log);
+        reader.take_line(line);
     return log;
 }
 

@@ -1,18 +1,8 @@
 #pragma once
 
-#include <QDateTime>
-#include <QList>
-#include <QString>
+#include "records/phase_road.h"
 
 class QIODevice;
-
-/** A change of phase as the event log tells it. */
-struct PhaseChange
-{
-    QDateTime time;  ///< local time without a zone, whole seconds
-    QString phase;   ///< "Discharging"
-    QString reason;
-};
 
 /** From the line that began a resistance test to the one that ended its recovery. */
 struct HeldTime
@@ -29,23 +19,20 @@ enum class TestEnd
     Unfinished  ///< it was still at something
 };
 
-/** What the `.txt` beside a log tells of the test; telemetry lines in it are passed over. */
+/** What the `.txt` beside a log tells of the test; of telemetry in it only whose it is. */
 struct EventLog
 {
     QList<PhaseChange> changes;
     QList<QDateTime> resets;  ///< of an instrument that had fallen silent
+    QString two_writers;      ///< what shows that two stations wrote at once; empty if nothing does
     bool exists = false;
 
     TestEnd end() const;
     /** "Done on 2020-04-03 12:00:00 because max charge time reached"; empty if unknown. */
     QString end_text() const;
     QList<HeldTime> held_times() const;
-    /**
-     * Whether changes occur that no single test makes: two stations wrote at once.
-     *
-     * @return the first such change; null if there is none
-     */
-    const PhaseChange* second_writer() const;
+    /** The first change of this second, or of one beside it; below 0 if there is none. */
+    int change_at(const QDateTime& time) const;
 };
 
 /** "a/b.c.csv" gives "a/b.c.txt"; empty if the name has no "." at all. */

@@ -1,8 +1,10 @@
 #include "records/log_check.h"
 
 #include "common/time_span.h"
+#include "records/charge_leg.h"
 #include "records/exact_row.h"
 #include "records/log_input.h"
+#include "records/section_order.h"
 #include "station/logs/log_reader.h"
 #include "station/logs/log_text.h"
 
@@ -15,33 +17,16 @@
 namespace
 {
 constexpr int MOST_ROW_WARNINGS = 20;
-const QString TIME_REACHED = "max charge time reached";
 
-/** Seconds of the charge that this change of phase ended; -1 if there was none. */
-qint64 charge_seconds(const QList<PhaseChange>& changes, int ending)
+/** The charge that began with this leg; null if the log does not have it. */
+const Section* charge_of(const ChargeLeg& leg, const QList<Section>& sections)
 {
-    qint64 begin = -1;
-    for (int i = ending - 1; i >= 0; --i) {
-        const QString& phase = changes[i].phase;
-        if (phase != "Charging" && !phase.endsWith("Charge Test") && phase != "Charging (final)")
-            break;
-        begin = changes[i].time.secsTo(changes[ending].time);
-        const bool start = changes[i].reason.startsWith("User clicked");
-        if (start ||
-            (phase == "Charging (final)" && i > 0 && changes[i - 1].phase != "Final Charge Test"))
-            break;
-    }
-    return begin;
-}
-
-/** The longest charge that ended because its time was over; -1 if there was none. */
-qint64 longest_timed_charge(const EventLog& events)
-{
-    qint64 longest = -1;
-    for (int i = 1; i < events.changes.size(); ++i)
-        if (events.changes[i].reason.startsWith(TIME_REACHED))
-            longest = qMax(longest, charge_seconds(events.changes, i));
-    return longest;
+    for (const Section& section : sections)
+        // The event log tells the moment of the change, a head the one just before it.
+        if (section.kind == SectionKind::Charge && section.start.isValid() &&
+            qAbs(section.start.secsTo(leg.begin)) <= 1)
+            return &section;
+    return nullptr;
 }
 
 void read_into(LogInput& input, LogFile& file, LogSummary& sink, bool& accepted)
@@ -94,7 +79,7 @@ void LogCheck::warn_of_row(const LogLine& line)
 {
     if (++inexact_rows <= MOST_ROW_WARNINGS)
         file.warnings.append(
-            {line.number, quoted(line.text) + " loads, but the application never wrote it so"});
+            {line.number, quoted(line.text) + " loads, but is not in the application's own form"});
 }
 
 void LogCheck::warn_of_negative_resistances()
@@ -107,22 +92,44 @@ void LogCheck::warn_of_negative_resistances()
                                       .arg(cycle.negative_resistances)});
 }
 
-// Hours are logged as whole ones: a charge may take longer than its log says it may.
 void LogCheck::warn_of_charge_times()
 {
-    constexpr int TOLERANCE = 60;  // seconds
     for (const Section& section : qAsConst(file.sections))
         if (section.parameters.max_charge_time == 0) {
             file.warnings.append({section.line, "a maximum charge time of 0: taken up again, the "
                                                 "test would end each charge at once"});
+            break;
+        }
+    for (const ChargeLeg& leg : charge_legs(file.events.changes))
+        if (leg.time_ended)
+            warn_of_charge(leg);
+}
+
+// Hours are logged as whole ones: a charge may take longer than its log says it may.
+void LogCheck::warn_of_charge(const ChargeLeg& leg)
+{
+    constexpr int TOLERANCE = 60;  // seconds
+    const Section* const section = charge_of(leg, file.sections);
+    if (section == nullptr || section->parameters.max_charge_time == 0)
+        return;
+    const qint64 seconds = leg.begin.secsTo(leg.end);
+    if (seconds > section->parameters.max_charge_time + TOLERANCE)
+        file.warnings.append(
+            {section->line, QString("a maximum charge time of %1, although this charge ended at "
+                                    "its maximum after %2")
+                                .arg(format_time_span(section->parameters.max_charge_time),
+                                     format_time_span(seconds))});
+}
+
+void LogCheck::warn_of_an_earlier_test()
+{
+    for (const Section& section : qAsConst(file.sections))
+        if (section_order(file.events, file.sections[0].start, section.start) ==
+            SectionOrder::Earlier) {
+            file.warnings.append({section.line, "this section is of an earlier test, whose log was "
+                                                "written over from its start"});
             return;
         }
-    const qint64 charge = longest_timed_charge(file.events);
-    if (charge > file.parameters.max_charge_time + TOLERANCE)
-        file.warnings.append({0, QString("a maximum charge time of %1, although a charge ended at "
-                                         "its maximum after %2")
-                                     .arg(format_time_span(file.parameters.max_charge_time),
-                                          format_time_span(charge))});
 }
 
 void LogCheck::warn_of_file(const LogInput& input)
@@ -133,10 +140,9 @@ void LogCheck::warn_of_file(const LogInput& input)
         file.warnings.append({0, "the last line has no end: cut off, or being written"});
     if (!file.events.exists)
         file.warnings.append({0, "no event log beside it"});
-    else if (const PhaseChange* change = file.events.second_writer())
-        file.warnings.append({0, QString("by the event log two stations wrote at once: '%1' at %2 "
-                                         "fits no single test")
-                                     .arg(change->phase, change->time.toString(Qt::ISODate))});
+    else if (!file.events.two_writers.isEmpty())
+        file.warnings.append(
+            {0, "by the event log two stations wrote at once: " + file.events.two_writers});
 }
 
 void LogCheck::finish_check(bool accepted, const LogInput& input)
@@ -147,6 +153,7 @@ void LogCheck::finish_check(bool accepted, const LogInput& input)
             {0, QString("%1 more such rows").arg(inexact_rows - MOST_ROW_WARNINGS)});
     warn_of_negative_resistances();
     warn_of_charge_times();
+    warn_of_an_earlier_test();
     warn_of_file(input);
 }
 

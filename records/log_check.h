@@ -3,6 +3,7 @@
 #include "records/log_summary.h"
 
 class LogInput;
+struct ChargeLeg;
 
 /** As a LogSummary, and what is odd about a log that loads all the same. */
 class LogCheck : public LogSummary
@@ -21,6 +22,8 @@ private:
     void warn_of_row(const LogLine& line);
     void warn_of_negative_resistances();
     void warn_of_charge_times();
+    void warn_of_charge(const ChargeLeg& leg);
+    void warn_of_an_earlier_test();
     void warn_of_file(const LogInput& input);
 
     qint64 inexact_rows = 0;

@@ -1,6 +1,7 @@
 #include "records/log_summary.h"
 
-LogSummary::LogSummary(LogFile& filled) : file(filled), held_times(filled.events.held_times())
+LogSummary::LogSummary(LogFile& filled)
+    : file(filled), clock_steps(filled.events), held_times(filled.events.held_times())
 {
 }
 
@@ -9,8 +10,10 @@ void LogSummary::refuse(const LogRefusal& refusal)
     file.refusal = refusal;
 }
 
-void LogSummary::section_begun(const Section&)
+void LogSummary::section_begun(const Section& section)
 {
+    if (generation == LogGeneration::Current)
+        clock_steps.begin_section(section);
     made = Cycle();
     next_held_time = 0;
     has_before = false;
@@ -23,6 +26,7 @@ void LogSummary::row_read(const Section& section, const Row& row, const LogLine&
     if (row.has_resistance) {
         made.resistance.add(row.milliohms);
         made.negative_resistances += row.milliohms < 0.0 ? 1 : 0;
+        clock_steps.take_resistance(section, row);
     }
     made.amp_hours = row.amp_hours;
     add_held(section, row);
@@ -60,6 +64,8 @@ void LogSummary::section_ended(const Section& section)
         file.cycles << made;
     }
     file.sections << section;
+    if (generation == LogGeneration::Current)
+        clock_steps.end_section(file.sections.last());
 }
 
 void LogSummary::finish(bool accepted)

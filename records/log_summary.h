@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/clock_steps.h"
 #include "records/log_file.h"
 #include "records/section_sink.h"
 
@@ -27,6 +28,7 @@ private:
     void add_held(const Section& section, const Row& row);
 
     Cycle made;  ///< the one in the making
+    ClockSteps clock_steps;
     QList<HeldTime> held_times;
     int next_held_time = 0;
     Row before;  ///< of the same discharge

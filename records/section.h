@@ -19,6 +19,13 @@ struct Gap
     double seconds = 0.0;  ///< its length
 };
 
+/** A moment at which the clock, or its zone, was set. */
+struct ClockStep
+{
+    qint64 line = 0;       ///< of the row or the head behind it
+    double seconds = 0.0;  ///< forwards; below zero back
+};
+
 /** How the rows of a section follow each other. */
 struct RowCount
 {
@@ -28,12 +35,15 @@ struct RowCount
     qint64 gap_count = 0;          ///< longer than LONGEST_INTERVAL
     double gap_seconds = 0.0;      ///< of all gaps
     QList<Gap> gaps;               ///< the first MOST_GAPS of them
-    qint64 clock_steps = 0;        ///< rows earlier than the one before
+    qint64 clock_steps = 0;        ///< between the section before and the end of this one
+    qint64 clock_steps_back = 0;   ///< of these
+    QList<ClockStep> steps;        ///< the first MOST_GAPS of them
     qint64 rows_out_of_order = 0;  ///< rows with fewer amp-hours than the one before
 
     static constexpr double LONGEST_INTERVAL = 5.0;  ///< seconds; more is a gap
     static constexpr int MOST_GAPS = 100;
 
+    void add_step(const ClockStep& step);
     /** Rows a second; 0 if that is not known. */
     double rate() const;
 };

@@ -26,7 +26,7 @@ void count_row(RowCount& count, const Row& row)
                 count.gaps.append({row.line, count.last_seconds, interval});
         }
         if (interval < 0.0)
-            ++count.clock_steps;
+            count.add_step({row.line, interval});
     }
     ++count.rows;
     count.last_seconds = row.seconds;

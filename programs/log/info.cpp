@@ -45,7 +45,7 @@ QString head_text(const LogFile& file)
 QString sections_text(const LogFile& file)
 {
     TextTable table({"section", ">line", "start", ">duration (s)", ">rows", ">rate (1/s)", ">gaps",
-                     ">gaps (s)", ">steps back", ">out of order", ">first (V)", ">lowest (V)",
+                     ">gaps (s)", ">clock steps", ">out of order", ">first (V)", ">lowest (V)",
                      ">last (V)"});
     for (const Section& section : file.sections) {
         const RowCount& count = section.count;
@@ -112,6 +112,18 @@ QString gaps_text(const LogFile& file)
     return any ? "\n" + table.text("  ") : QString();
 }
 
+QString steps_text(const LogFile& file)
+{
+    TextTable table({"clock set in", ">line", ">by (s)"});
+    bool any = false;
+    for (const Section& section : file.sections)
+        for (const ClockStep& step : section.count.steps) {
+            any = true;
+            table.add({section_name(section), QString::number(step.line), fixed(step.seconds, 1)});
+        }
+    return any ? "\n" + table.text("  ") : QString();
+}
+
 QString info_text(const LogFile& file)
 {
     QString text = head_text(file);
@@ -119,7 +131,7 @@ QString info_text(const LogFile& file)
         text += "\n" + sections_text(file) + "\n" + parameters_text(file);
     if (!file.cycles.isEmpty())
         text += "\n" + cycles_text(file);
-    return text + gaps_text(file);
+    return text + gaps_text(file) + steps_text(file);
 }
 
 qint64 rows_of(const LogFile& file)

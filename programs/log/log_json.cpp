@@ -30,6 +30,9 @@ QJsonObject rows_json(const RowCount& count)
     QJsonArray gaps;
     for (const Gap& gap : count.gaps)
         gaps << gap_json(gap);
+    QJsonArray steps;
+    for (const ClockStep& step : count.steps)
+        steps << QJsonObject{{"line", step.line}, {"seconds", number(step.seconds)}};
     return {{"count", count.rows},
             {"first_seconds", number(count.first_seconds)},
             {"last_seconds", number(count.last_seconds)},
@@ -37,7 +40,8 @@ QJsonObject rows_json(const RowCount& count)
             {"gap_count", count.gap_count},
             {"gap_seconds", number(count.gap_seconds)},
             {"gaps", gaps},
-            {"clock_steps_back", count.clock_steps},
+            {"clock_steps", steps},
+            {"clock_steps_back", count.clock_steps_back},
             {"out_of_order", count.rows_out_of_order}};
 }
 

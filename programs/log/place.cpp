@@ -1,5 +1,7 @@
 #include "log/place.h"
 
+#include <algorithm>
+
 QString place_of(const LogRefusal& refusal)
 {
     return QString("line %1, column %2: ").arg(refusal.line).arg(refusal.column) + refusal.reason;
@@ -17,8 +19,12 @@ QString gap_reason(const EventLog& events, const Section& section, const Gap& ga
         return "?";
     const QDateTime begin = section.start.addMSecs(qint64(gap.begin * 1000.0));
     const QDateTime end = begin.addMSecs(qint64(gap.seconds * 1000.0)).addSecs(1);
-    for (const QDateTime& reset : events.resets)
-        if (begin <= reset && reset <= end)
-            return "silence of the instrument";
-    return "sleep or stop of the program";
+    const auto in_gap = [&](const QDateTime& reset) {
+        return begin <= reset && reset <= end;
+    };
+    const auto resets = std::count_if(events.resets.begin(), events.resets.end(), in_gap);
+    // One every five seconds while the program waits for a line; a single one may as well come when
+    // it looks at a clock that was set, or when it wakes.
+    const bool waited = double(resets) * 10.0 >= gap.seconds;
+    return waited ? "silence of the instrument" : "sleep or stop of the program, or a clock set on";
 }

@@ -192,10 +192,9 @@ Outcome make_copy(const QString& path, const Options& options)
 Outcome repair_of(const QString& path, const Options& options)
 {
     const EventLog events = event_log_beside(path);
-    if (const PhaseChange* change = events.second_writer())
-        return not_mended(path, QString("two stations wrote it at once, as its event log tells: "
-                                        "'%1' at %2 fits no single test")
-                                    .arg(change->phase, change->time.toString(Qt::ISODate)));
+    if (!events.two_writers.isEmpty())
+        return not_mended(path, "two stations wrote it at once, as its event log tells: " +
+                                    events.two_writers);
     LogInput look;
     if (!look.open_log(path))
         return Outcome::failure(path, QString("%1 cannot be read: %2. Name a data log, or a folder "

@@ -239,12 +239,14 @@ void KestLogTest::repair_leaves_alone_what_two_stations_wrote()
 {
     const Place place;
     place.write("a.csv", sample("current_one_cycle.csv") + "cut");
-    place.write("a.txt",
-                EVENTS + "2020-04-03 10:00:03 Switching to phase Done because of the other\n");
+    const QByteArray discharging = "2020-04-03 10:00:04 Switching to phase Discharging because "
+                                   "max charge time reached, first cycle\n";
+    place.write("a.txt", EVENTS + EVENTS + discharging + discharging);
     const Run run = place.run({"repair", "a.csv"});
     QCOMPARE(run.output,
              QString("a.csv: not mended: two stations wrote it at once, as its event log tells: "
-                     "'Done' at 2020-04-03T10:00:03 fits no single test\n"));
+                     "'Discharging' at 2020-04-03 10:00:04 belongs to a test that was under way "
+                     "when another was started\n"));
     QCOMPARE(run.status, 1);
     QCOMPARE(place.names(), (QStringList{"a.csv", "a.txt"}));
 }

@@ -1,7 +1,10 @@
+#include "records/charge_leg.h"
 #include "records/event_log.h"
+#include "support/test_files.h"
 #include "support/test_program.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QtTest>
 
 /** What the words of an event log tell of a test. */
@@ -14,8 +17,14 @@ private slots:
     void a_test_ends_as_its_last_change_says_data();
     void a_test_ends_as_its_last_change_says();
     void held_times_last_from_the_test_to_the_end_of_its_recovery();
-    void two_writers_show_in_changes_that_no_test_makes_data();
-    void two_writers_show_in_changes_that_no_test_makes();
+    void two_writers_show_where_a_test_goes_on_beside_another_data();
+    void two_writers_show_where_a_test_goes_on_beside_another();
+    void two_instruments_that_take_turns_are_two_writers_data();
+    void two_instruments_that_take_turns_are_two_writers();
+    void no_whole_test_has_two_writers_data();
+    void no_whole_test_has_two_writers();
+    void charges_last_from_their_head_to_their_end_data();
+    void charges_last_from_their_head_to_their_end();
     void the_event_log_stands_beside_its_log_data();
     void the_event_log_stands_beside_its_log();
 };
@@ -110,37 +119,134 @@ void EventLogTest::held_times_last_from_the_test_to_the_end_of_its_recovery()
     QCOMPARE(times[1].end, QDateTime(day, QTime(9, 0, 10)));
 }
 
-void EventLogTest::two_writers_show_in_changes_that_no_test_makes_data()
+void EventLogTest::two_writers_show_where_a_test_goes_on_beside_another_data()
 {
     QTest::addColumn<QStringList>("changes");
-    QTest::addColumn<QString>("reason");
+    QTest::addColumn<QString>("accused");
     const QString start = "Charging/User clicked 'Start'.";
+    const QString discharge = "Discharging/max charge time reached, prompt_to_discharge = false";
+    const QString level = "Charging/voltage has leveled off";
+    const QString test = "IR Test/amp_hours (%1) >= next_ir_check_ah (0.5)";
+    const QString done = "Recovering from IR Test/Completed IR Test, IR = 14.000";
+    const QString recovered = "Discharging/Finished recovering from IR test";
+    const QString cutoff = "Charging (final)/voltage (18.9) < low_voltage_cutoff (19)";
     QTest::newRow("a whole test") << WHOLE_TEST << QString();
     QTest::newRow("a charge test on the line that ends the charge")
-        << QStringList{start, "Discharging/max charge time reached, prompt_to_discharge = false",
-                       "Full Charge Test/next_charge_test_timeout reached",
+        << QStringList{start, level, discharge, "Full Charge Test/next_charge_test_timeout reached",
                        "Discharging/charging voltage drop < 0.1v, prompt_to_discharge = false"}
         << QString();
-    QTest::newRow("taken up again")
-        << QStringList{start, "Discharging/x", start, "Discharging/x"} << QString();
+    QTest::newRow("taken up again") << QStringList{start, discharge, start, discharge} << QString();
     QTest::newRow("more cycles") << QStringList(WHOLE_TEST +
-                                                QStringList{"Charging/user added a cycle"})
+                                                QStringList{"Charging/User clicked 'Skip'"})
                                  << QString();
-    QTest::newRow("two at once") << QStringList{start, start, "Discharging/first",
-                                                "Discharging/second"}
-                                 << "second";
-    QTest::newRow("a recovery without a test")
-        << QStringList{start, "Discharging/x", "IR Test/x", "Discharging/of the other"}
-        << "of the other";
+    QTest::newRow("a line lost") << QStringList{start, discharge, test.arg("0.500"), recovered}
+                                 << QString();
+    QTest::newRow("a line lost behind a skip")
+        << QStringList{start, discharge, "Charging/User clicked 'Skip'", test.arg("0.500"), done}
+        << QString();
+    QTest::newRow("words of another version")
+        << QStringList{start, start, "Resting/x", "Discharging/x", "Discharging/x"} << QString();
+    QTest::newRow("two discharges")
+        << QStringList{start, start, discharge, discharge} << "Discharging";
+    QTest::newRow("the first is tested while the second charges")
+        << QStringList{start, discharge, start, test.arg("0.500")} << "IR Test";
+    QTest::newRow("the first ends while the second charges")
+        << QStringList{start, discharge, start, cutoff} << "Charging (final)";
+    QTest::newRow("the second is behind in amp-hours")
+        << QStringList{start,     discharge,         test.arg("0.500"),
+                       done,      recovered,         start,
+                       discharge, test.arg("0.500"), done,
+                       recovered, test.arg("1.000"), done,
+                       recovered, test.arg("0.900")}
+        << "IR Test";
+    QTest::newRow("a skip beside a charge")
+        << QStringList{start, start, "Discharging/User clicked 'Skip'",
+                       "Discharging/User clicked 'Skip'"}
+        << "Discharging";
 }
 
-void EventLogTest::two_writers_show_in_changes_that_no_test_makes()
+void EventLogTest::two_writers_show_where_a_test_goes_on_beside_another()
 {
     QFETCH(QStringList, changes);
-    QFETCH(QString, reason);
-    const EventLog log = changes_of(changes);
-    const PhaseChange* const change = log.second_writer();
-    QCOMPARE(change == nullptr ? QString() : change->reason, reason);
+    QFETCH(QString, accused);
+    const QString time = QString("2020-04-03 09:00:%1").arg(changes.size(), 2, 10, QChar('0'));
+    QCOMPARE(changes_of(changes).two_writers,
+             accused.isEmpty() ? QString()
+                               : QString("'%1' at %2 belongs to a test that was under way when "
+                                         "another was started")
+                                     .arg(accused, time));
+}
+
+void EventLogTest::two_instruments_that_take_turns_are_two_writers_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<bool>("two");
+    const QByteArray seven = "2020-04-03 09:15:03 KEST\t24.10\t4.8\t25.0\t0\tID=7\tC\n";
+    const QByteArray nine = QByteArray(seven).replace("ID=7", "ID=9");
+    const QByteArray start = "2020-04-03 09:15:02 Switching to phase Charging because User clicked "
+                             "'Start'.\n";
+    QTest::newRow("one") << seven.repeated(50) << false;
+    QTest::newRow("exchanged") << seven.repeated(50) + nine.repeated(50) + seven.repeated(50)
+                               << false;
+    QTest::newRow("in turn") << (seven + nine).repeated(11) << true;
+    QTest::newRow("another one at each start")
+        << (start + seven + start + nine).repeated(50) << false;
+    QTest::newRow("no number") << (seven + QByteArray(nine).replace("ID=9", "ID=x")).repeated(50)
+                               << false;
+    QTest::newRow("a field too few")
+        << (seven + QByteArray(nine).replace("25.0\t", "")).repeated(50) << false;
+}
+
+void EventLogTest::two_instruments_that_take_turns_are_two_writers()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(bool, two);
+    QCOMPARE(log_of(lines).two_writers,
+             two ? QString("instruments 7 and 9 take turns at 2020-04-03 09:15:03") : QString());
+}
+
+void EventLogTest::no_whole_test_has_two_writers_data()
+{
+    QTest::addColumn<QString>("path");
+    for (const char* folder : {"whole", "courses"})
+        for (const QString& name : QDir(test_data(folder)).entryList({"*.txt"}))
+            QTest::addRow("%s", qPrintable(name)) << test_data(QString(folder) + '/' + name);
+}
+
+void EventLogTest::no_whole_test_has_two_writers()
+{
+    QFETCH(QString, path);
+    const EventLog log = log_of(content_of(path));
+    QVERIFY(!log.changes.isEmpty());
+    QCOMPARE(log.two_writers, QString());
+}
+
+void EventLogTest::charges_last_from_their_head_to_their_end_data()
+{
+    QTest::addColumn<QStringList>("changes");
+    QTest::addColumn<QString>("legs");
+    const QString timed = "Discharging/max charge time reached, prompt_to_discharge = false";
+    QTest::newRow("a whole test") << WHOLE_TEST << "0-3 9-12 by time";
+    QTest::newRow("by time, and taken up again")
+        << QStringList{WHOLE_TEST[0], WHOLE_TEST[1], timed, WHOLE_TEST[0]} << "0-2 by time 3-";
+    QTest::newRow("taken up again in a charge")
+        << QStringList{WHOLE_TEST[0], WHOLE_TEST[0], timed} << "0- 1-2 by time";
+    QTest::newRow("a cycle added")
+        << QStringList{WHOLE_TEST[0], timed, WHOLE_TEST[9], "Charging/user added a cycle", timed}
+        << "0-1 by time 2- 3-4 by time";
+}
+
+void EventLogTest::charges_last_from_their_head_to_their_end()
+{
+    QFETCH(QStringList, changes);
+    const QDateTime first(QDate(2020, 4, 3), QTime(9, 0, 1));
+    QStringList texts;
+    for (const ChargeLeg& leg : charge_legs(changes_of(changes).changes))
+        texts << QString("%1-%2%3")
+                     .arg(first.secsTo(leg.begin))
+                     .arg(leg.end.isValid() ? QString::number(first.secsTo(leg.end)) : QString(),
+                          leg.time_ended ? " by time" : "");
+    QTEST(texts.join(' '), "legs");
 }
 
 void EventLogTest::the_event_log_stands_beside_its_log_data()

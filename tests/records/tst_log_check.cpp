@@ -30,6 +30,8 @@ namespace
 const QByteArray HEAD = "Kestrometer Log\nBattery Name:  A\nSerial Number: 1\n";
 const QByteArray CHARGE = HEAD + "Charge Number:               1\n";
 const QByteArray DISCHARGE = HEAD + "Discharge Number:            1\n";
+const QByteArray TIMED =
+    CHARGE + "Timestamp: 2020-04-03 10:00:02\nMax Charge Time (h):         1\n";
 const QByteArray EVENTS = "2020-04-03 10:00:02 Switching to phase Charging because User clicked "
                           "'Start'.\n";
 
@@ -65,11 +67,11 @@ void LogCheckTest::warnings_refuse_nothing_data()
     QTest::newRow("no event log") << DISCHARGE + row << QByteArray() << "0: no event log beside it";
     QTest::newRow("a last line cut short")
         << DISCHARGE + row + "2.0,0.006,40.00,9" << EVENTS
-        << "6: '2.0,0.006,40.00,9' loads, but the application never wrote it so|"
+        << "6: '2.0,0.006,40.00,9' loads, but is not in the application's own form|"
            "0: the last line has no end: cut off, or being written";
     QTest::newRow("zeros at the end")
         << CHARGE + "0.9,41.52\n1.9," + QByteArray(3, '\0') << EVENTS
-        << QString("6: '1.9,%1%1%1' loads, but the application never wrote it so|"
+        << QString("6: '1.9,%1%1%1' loads, but is not in the application's own form|"
                    "0: zeros at the end, as after a loss of power")
                .arg(QChar(0xfffd));
     QTest::newRow("a negative resistance") << DISCHARGE + "1.0,0.003,40.00,10.00,-0.014\n"
@@ -78,24 +80,55 @@ void LogCheckTest::warnings_refuse_nothing_data()
         << CHARGE + "Max Charge Time (h):         0\n0.9,41.52\n"
         << EVENTS
         << "4: a maximum charge time of 0: taken up again, the test would end each charge at once";
+    const QByteArray over = " Switching to phase Discharging because max charge time reached, "
+                            "prompt_to_discharge = false\n";
+    const char* const longer =
+        ": a maximum charge time of 01h 00m 00s, although this charge ended at "
+        "its maximum after 01h 30m 00s";
     QTest::newRow("a charge longer than the log says")
-        << CHARGE + "Max Charge Time (h):         1\n0.9,41.52\n"
-        << EVENTS + "2020-04-03 11:30:02 Switching to phase Discharging because max charge time "
-                    "reached, prompt_to_discharge = false\n"
-        << "0: a maximum charge time of 01h 00m 00s, although a charge ended at its maximum after "
-           "01h 30m 00s";
+        << TIMED + "0.9,41.52\n"
+        << EVENTS + "2020-04-03 11:30:02" + over << QString("4") + longer;
     QTest::newRow("a charge as long as the log says")
-        << CHARGE + "Max Charge Time (h):         1\n0.9,41.52\n"
-        << EVENTS + "2020-04-03 11:00:03 Switching to phase Discharging because max charge time "
-                    "reached, prompt_to_discharge = false\n"
-        << "";
+        << TIMED + "0.9,41.52\n"
+        << EVENTS + "2020-04-03 11:00:03" + over << "";
+    QTest::newRow("a charge longer than a later one may be")
+        << QByteArray(TIMED).replace("(h):         1", "(h):         2") +
+               "0.9,41.52\nDischarge Number: 1\nTimestamp: 2020-04-03 11:30:02\n" + row +
+               "Charge Number: 2\nMax Charge Time (h):         1\n"
+        << EVENTS + "2020-04-03 11:30:02" + over << "";
+    QTest::newRow("the second charge longer than its head says")
+        << QByteArray(TIMED).replace("(h):         1", "(h):         2") +
+               "Discharge Number: 1\nTimestamp: 2020-04-03 12:00:02\n" + row +
+               "Charge Number: 2\nTimestamp: 2020-04-03 12:30:00\nMax Charge Time (h):         1\n"
+        << EVENTS + "2020-04-03 12:00:02" + over +
+               "2020-04-03 12:30:00 Switching to phase Charging because voltage (18) < "
+               "low_voltage_cutoff (19)\n2020-04-03 14:00:00" +
+               over
+        << QString("10") + longer;
+    QTest::newRow("a charge of another log")
+        << TIMED + "0.9,41.52\n"
+        << QByteArray(EVENTS).replace("10:00:02", "09:00:02") + "2020-04-03 11:30:02" + over << "";
+    const QByteArray start = "2020-04-03 10:30:00 Switching to phase Charging because User clicked "
+                             "'Start'.\n";
     QTest::newRow("two stations")
-        << DISCHARGE + row << EVENTS + "2020-04-03 11:00:03 Switching to phase Done because x\n"
-        << "0: by the event log two stations wrote at once: 'Done' at 2020-04-03T11:00:03 fits no "
-           "single test";
+        << DISCHARGE + row
+        << EVENTS + start + "2020-04-03 11:00:03" + over + "2020-04-03 11:00:04" + over
+        << "0: by the event log two stations wrote at once: 'Discharging' at 2020-04-03 11:00:04 "
+           "belongs to a test that was under way when another was started";
+    const QByteArray older = TIMED + "Discharge Number: 1\nTimestamp: 2020-04-03 09:30:00\n" + row;
+    const char* const earlier = "7: this section is of an earlier test, whose log was written over "
+                                "from its start";
+    QTest::newRow("a section of an earlier test, by the event log")
+        << older << "2020-04-03 09:30:00" + over + EVENTS << earlier;
+    QTest::newRow("the clock was set back, by the event log")
+        << older << EVENTS + "2020-04-03 09:30:00" + over << "";
+    QTest::newRow("a section of the day before")
+        << QByteArray(older).replace("2020-04-03 09", "2020-04-02 09") << EVENTS << earlier;
+    QTest::newRow("a section half an hour earlier, of which nothing tells")
+        << older << EVENTS << "";
     QTest::newRow("an odd line in a charge")
         << CHARGE + "a,b\n"
-        << EVENTS << "5: 'a,b' loads, but the application never wrote it so";
+        << EVENTS << "5: 'a,b' loads, but is not in the application's own form";
 }
 
 void LogCheckTest::warnings_refuse_nothing()

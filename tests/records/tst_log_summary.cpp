@@ -19,6 +19,8 @@ private slots:
     void the_error_bound_holds_for_any_rounding();
     void held_rows_are_counted_apart();
     void gaps_steps_and_disorder_are_counted();
+    void steps_of_the_clock_are_found_data();
+    void steps_of_the_clock_are_found();
     void resistances_have_mean_and_spread();
     void a_refused_log_tells_what_was_understood();
 };
@@ -140,8 +142,85 @@ void LogSummaryTest::gaps_steps_and_disorder_are_counted()
     QCOMPARE(count.gaps[0].begin, 6.0);
     QVERIFY(std::fabs(count.gaps[0].seconds - 5.1) < 1e-9);
     QCOMPARE(count.clock_steps, qint64(1));
+    QCOMPARE(count.clock_steps_back, qint64(1));
     QCOMPARE(count.rows_out_of_order, qint64(1));
     QCOMPARE(count.rate(), 4.0 / 9.0);
+}
+
+void LogSummaryTest::steps_of_the_clock_are_found_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QByteArray>("events");
+    QTest::addColumn<QString>("steps");
+    const QByteArray none;
+    const auto head = [](const char* kind, const char* time) {
+        return QByteArray(kind) + " Number: 1\nTimestamp: 2020-04-03 " + time + "\n";
+    };
+    const auto change = [](const char* time, const char* text) {
+        return QByteArray("2020-04-03 ") + time + " Switching to phase " + text + '\n';
+    };
+    const QByteArray charge =
+        "Kestrometer Log\n" + head("Charge", "10:00:00") + "1.0,41.00\n2.0,41.00\n60.0,41.00\n";
+    const QByteArray row = "1.0,0.003,40.00,10.00\n";
+    const QByteArray start = change("10:00:00", "Charging because User clicked 'Start'.");
+    const char* const at_once = "Discharging because max charge time reached, first cycle";
+    const char* const by_hand = "Discharging because User clicked 'Skip'";
+    QTest::newRow("none") << charge + head("Discharge", "10:01:00") + row << none << "";
+    QTest::newRow("cut seconds") << charge + head("Discharge", "10:00:59") + row << none << "";
+    QTest::newRow("back in a section") << charge + "5.0,41.00\n6.0,41.00\n" << none << "7:-55";
+    QTest::newRow("back between sections")
+        << charge + head("Discharge", "09:01:00") + row << none << "7:-3600";
+    QTest::newRow("back at midnight")
+        << "Kestrometer Log\nCharge Number: 1\nTimestamp: 2020-04-04 00:10:00\n1.0,41.00\n"
+           "Discharge Number: 1\nTimestamp: 2020-04-03 23:10:01\n" +
+               row
+        << none << "5:-3600";
+    QTest::newRow("on between sections") << charge + head("Discharge", "11:01:00") + row
+                                         << start + change("11:01:00", at_once) << "7:3600";
+    QTest::newRow("rows lost between sections") << charge + head("Discharge", "10:31:40") + row
+                                                << start + change("10:31:40", at_once) << "";
+    QTest::newRow("a pause between sections") << charge + head("Discharge", "11:01:00") + row
+                                              << start + change("11:01:00", by_hand) << "";
+    QTest::newRow("a pause of which nothing tells")
+        << charge + head("Discharge", "11:01:00") + row << none << "";
+    const QByteArray tested = DISCHARGE + "10.0,0.030,40.00,10.00,0.014\n"
+                                          "20.0,0.060,39.00,10.00,0.014\n"
+                                          "30.0,0.090,38.00,10.00,0.015\n";
+    const char* const ir = "Recovering from IR Test because Completed IR Test, IR = 14.250";
+    const char* const other = "Recovering from IR Test because Completed IR Test, IR = 14.600";
+    const QByteArray begin = change("10:00:00", at_once);
+    QTest::newRow("as the event log tells")
+        << tested
+        << begin + change("10:00:10", ir) + change("10:00:21", ir) + change("10:00:30", other)
+        << "";
+    QTest::newRow("on inside a section")
+        << tested
+        << begin + change("10:00:10", ir) + change("11:00:20", ir) + change("11:00:30", other)
+        << "5:3600";
+    QTest::newRow("back inside a section")
+        << tested
+        << begin + change("10:00:10", ir) + change("10:00:20", ir) + change("09:00:30", other)
+        << "6:-3600";
+    QTest::newRow("an event lost")
+        << tested << begin + change("10:00:20", ir) + change("10:00:30", other) << "";
+    QTest::newRow("events of another log")
+        << tested << change("08:00:00", at_once) + change("11:00:10", ir) << "";
+}
+
+void LogSummaryTest::steps_of_the_clock_are_found()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QByteArray, events);
+    const LogFile file = summary_of(log, events);
+    QStringList steps;
+    qint64 count = 0;
+    for (const Section& section : file.sections) {
+        count += section.count.clock_steps;
+        for (const ClockStep& step : section.count.steps)
+            steps << QString("%1:%2").arg(step.line).arg(step.seconds);
+    }
+    QTEST(steps.join(' '), "steps");
+    QCOMPARE(count, qint64(steps.size()));
 }
 
 void LogSummaryTest::resistances_have_mean_and_spread()
