@@ -1,5 +1,6 @@
 #include "log/log_line.h"
 #include "log/mender.h"
+#include "log/old_tail.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -20,38 +21,51 @@ class Parts final : public MendedParts
 public:
     void begin_part() override
     {
-        ++count;
+        logs << QByteArray();
     }
     void write(const QByteArray& bytes) override
     {
-        all += bytes;
+        logs.last() += bytes;
     }
 
-    int count = 0;
-    QByteArray all;
+    QList<QByteArray> logs;
 };
+
+QByteArray without_end(QByteArray line)
+{
+    if (line.endsWith('\n'))
+        line.chop(1);
+    return line;
+}
 }  // namespace
 
-/** Any bytes: a copy or a reason, and what needs nothing is copied as it was. */
+/** Any bytes: a copy that loads or a reason, and what needs nothing is copied as it was. */
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     QByteArray bytes(reinterpret_cast<const char*>(data), int(size));
     QBuffer input(&bytes);
     input.open(QIODevice::ReadOnly);
+    const EventLog no_events;
+    OldTail tail(no_events);
+    while (!input.atEnd())
+        tail.take_line(without_end(input.readLine()));
+    input.seek(0);
     Parts parts;
     Mender mender(parts);
+    mender.expect_tail(tail.first_line());
     while (!input.atEnd()) {
-        QByteArray line = input.readLine();
-        const bool complete = line.endsWith('\n');
-        if (complete)
-            line.chop(1);
-        mender.take_line(line, complete);
+        const QByteArray line = input.readLine();
+        mender.take_line(without_end(line), line.endsWith('\n'));
     }
     mender.finish();
-    const bool none = !mender.failure.isEmpty();
-    if (!none && (parts.count == 0 || parts.count != mender.parts))
+    if (!mender.failure.isEmpty())
+        return 0;
+    if (parts.logs.isEmpty() || parts.logs.size() != mender.parts)
         std::abort();
-    if (mender.untouched() && parts.all != bytes)
+    for (const QByteArray& log : parts.logs)
+        if (!loads(log))
+            std::abort();
+    if (mender.untouched() && parts.logs != QList<QByteArray>{bytes})
         std::abort();
     return 0;
 }

@@ -7,6 +7,7 @@
 inline const QByteArray MARK = "Kestrometer Log";
 inline const QByteArray CHARGE_NUMBER = "Charge Number";
 inline const QByteArray DISCHARGE_NUMBER = "Discharge Number";
+inline const QByteArray TIMESTAMP = "Timestamp";
 constexpr int LONGEST_ROW = 200;  ///< characters
 
 enum class Form

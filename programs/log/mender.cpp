@@ -3,8 +3,6 @@
 #include "log/log_line.h"
 #include "station/logs/log_reader.h"
 
-#include <cmath>
-
 namespace
 {
 const QByteArray CHARGE_TITLES = "Time (s),Voltage (V)";
@@ -25,11 +23,20 @@ bool Mender::untouched() const
     return failure.isEmpty() && notes.isEmpty() && lines_left_out == 0;
 }
 
+void Mender::expect_tail(qint64 first_line)
+{
+    tail_line = first_line;
+}
+
 void Mender::take_line(const QByteArray& line, bool complete)
 {
     if (!failure.isEmpty())
         return;
-    ++line_number;
+    if (++line_number == tail_line) {
+        settle_suspect(true);
+        in = In::Lost;
+        tail = true;
+    }
     if (!complete)
         note_left_out(line_number, "the last line, which has no end");
     else if (in == In::Start)
@@ -143,7 +150,7 @@ bool Mender::take_key_line(const QByteArray& line)
 {
     const bool titles = line == CHARGE_TITLES || line == DISCHARGE_TITLES;
     const QByteArray key = key_of(line);
-    const bool timestamp = key == "Timestamp";
+    const bool timestamp = key == TIMESTAMP;
     if (titles &&
         (in == In::FileHead || rows_begun || (line == CHARGE_TITLES) != (in == In::Charge)))
         return false;
@@ -185,16 +192,15 @@ void Mender::take_charge_row(const QByteArray& line)
     }
     if (in == In::Discharge)
         put_charge_head();
-    const double seconds = line.left(line.indexOf(',')).toDouble();
-    if (garbage_before && last.known && seconds < last.seconds) {
+    const Reading reading = charge_reading(line);
+    if (garbage_before && last.known && reading.seconds < last.seconds) {
         tail = true;
         lose_section(TAIL);
         return;
     }
     rows_begun = true;
     garbage_before = false;
-    last.seconds = seconds;
-    last.known = true;
+    last = reading;
     write(line);
 }
 
@@ -216,8 +222,7 @@ void Mender::take_discharge_row(const QByteArray& line)
         lose_section(HEAD_LOST);
         return;
     }
-    const QList<QByteArray> fields = line.split(',');
-    const Reading reading{fields[0].toDouble(), fields[1].toDouble(), fields[3].toDouble(), true};
+    const Reading reading = discharge_reading(line);
     rows_begun = true;
     if (!suspect.isEmpty()) {
         // A lone odd row is one; two that fit each other and nothing before belong to another log.
@@ -242,17 +247,6 @@ void Mender::take_discharge_row(const QByteArray& line)
         suspect_number = line_number;
     }
     last = reading;
-}
-
-/** Amp-hours grow by no more than the current makes in that time, and fall only where time does. */
-bool Mender::continues(const Reading& from, const Reading& to) const
-{
-    constexpr double MARGIN = 1.5;
-    constexpr double DIGITS = 0.002;  // amp-hours
-    const double hours = (to.seconds - from.seconds) / 3600.0;
-    const double most = MARGIN * qMax(std::fabs(from.amps), std::fabs(to.amps)) * hours;
-    const double grown = to.amp_hours - from.amp_hours;
-    return grown >= qMin(0.0, most) - DIGITS && grown <= qMax(0.0, most) + DIGITS;
 }
 
 void Mender::settle_suspect(bool good)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "station/logs/log_sink.h"
+#include "log/reading.h"
 
 #include <QByteArray>
 #include <QList>
@@ -35,6 +35,9 @@ class Mender
 public:
     explicit Mender(MendedParts& to);
 
+    /** What an earlier log left stands from this line on; to be called before the first one. */
+    void expect_tail(qint64 first_line);
+
     /** @param complete whether the line has an end; a last one without is cut */
     void take_line(const QByteArray& line, bool complete);
     void finish();
@@ -62,14 +65,6 @@ private:
         Older
     };
 
-    struct Reading
-    {
-        double seconds = 0.0;
-        double amp_hours = 0.0;
-        double amps = 0.0;
-        bool known = false;
-    };
-
     void take_first_line(const QByteArray& line);
     void take_current_line(const QByteArray& line);
     bool take_number_line(const QByteArray& line);
@@ -89,12 +84,12 @@ private:
     void note_left_out(qint64 number, const QString& reason);
     void write(const QByteArray& line);
     void settle_suspect(bool good);
-    bool continues(const Reading& from, const Reading& to) const;
     bool reader_accepts(const QByteArray& line) const;
 
     MendedParts& out;
     In in = In::Start;
     qint64 line_number = 0;
+    qint64 tail_line = 0;  ///< where an earlier log begins; 0 for none
     QByteArray battery_line = "Battery Name:  \n";
     QByteArray serial_line = "Serial Number: \n";
     QByteArray section_head;  ///< of the section in progress, without number and titles

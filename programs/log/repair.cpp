@@ -2,6 +2,7 @@
 
 #include "programs/common/output_file.h"
 #include "log/mender.h"
+#include "log/old_tail.h"
 #include "log/options.h"
 #include "log/place.h"
 #include "log/targets.h"
@@ -10,6 +11,7 @@
 
 #include <QJsonArray>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -96,19 +98,39 @@ private:
     std::vector<Part> parts;
 };
 
-/** Whoever listens may have had enough: `error` is not empty then. */
-void mend(LogInput& input, Mender& mender, const QString& error)
+/** Hands out the lines until somebody has had enough. */
+void read_lines(LogInput& input, const std::function<bool(const QByteArray&, bool)>& take)
 {
-    while (!input.atEnd() && error.isEmpty() && mender.failure.isEmpty()) {
+    bool wanted = true;
+    while (wanted && !input.atEnd()) {
         QByteArray line = input.readLine();
         const bool complete = line.endsWith('\n');
         if (complete)
             line.chop(1);
-        mender.take_line(line, complete);
+        wanted = take(line, complete);
     }
+}
+
+/** Whoever listens may have had enough: `error` is not empty then. */
+void mend(LogInput& input, Mender& mender, const QString& error)
+{
+    read_lines(input, [&](const QByteArray& line, bool complete) {
+        mender.take_line(line, complete);
+        return error.isEmpty() && mender.failure.isEmpty();
+    });
     mender.finish();
     if (input.line_too_long())
         mender.failure = "a line of more than 64 MB";
+}
+
+qint64 old_tail_of(LogInput& input, const EventLog& events)
+{
+    OldTail tail(events);
+    read_lines(input, [&tail](const QByteArray& line, bool) {
+        tail.take_line(line);
+        return tail.first_line() == 0;
+    });
+    return tail.first_line();
 }
 
 /** For a look at what would have to be done. */
@@ -174,13 +196,14 @@ Outcome not_mended(const QString& path, const QString& reason)
     return outcome;
 }
 
-Outcome make_copy(const QString& path, const Options& options)
+Outcome make_copy(const QString& path, const Options& options, qint64 tail_line)
 {
     LogInput input;
     if (!input.open_log(path))
         return Outcome::failure(path, path + " cannot be read any more: " + input.errorString());
     PartFiles files(path, options);
     Mender mender(files);
+    mender.expect_tail(tail_line);
     mend(input, mender, files.error);
     if (!files.error.isEmpty())
         return Outcome::failure(path, files.error);
@@ -196,18 +219,21 @@ Outcome repair_of(const QString& path, const Options& options)
         return not_mended(path, "two stations wrote it at once, as its event log tells: " +
                                     events.two_writers);
     LogInput look;
-    if (!look.open_log(path))
+    LogInput again;
+    if (!look.open_log(path) || !again.open_log(path))
         return Outcome::failure(path, QString("%1 cannot be read: %2. Name a data log, or a folder "
                                               "with such.")
                                           .arg(path, look.errorString()));
+    const qint64 tail_line = old_tail_of(look, events);
     NoParts nowhere;
     Mender needed(nowhere);
-    mend(look, needed, QString());
+    needed.expect_tail(tail_line);
+    mend(again, needed, QString());
     if (!needed.failure.isEmpty())
         return not_mended(path, needed.failure);
     if (needed.untouched()) {
         const QString reason = why_refused(path);
         return reason.isEmpty() ? nothing_to_do(path) : not_mended(path, reason);
     }
-    return make_copy(path, options);
+    return make_copy(path, options, tail_line);
 }

@@ -1,5 +1,6 @@
 #include "log/log_line.h"
 #include "log/mender.h"
+#include "log/old_tail.h"
 #include "support/mutated_log.h"
 #include "support/test_files.h"
 #include "support/test_program.h"
@@ -14,6 +15,8 @@ class MenderTest : public QObject
 private slots:
     void a_log_is_mended_data();
     void a_log_is_mended();
+    void what_a_shorter_log_was_written_over_is_split_off_data();
+    void what_a_shorter_log_was_written_over_is_split_off();
     void what_cannot_be_mended_says_why_data();
     void what_cannot_be_mended_says_why();
     void every_copy_of_a_mutated_log_loads_data();
@@ -40,12 +43,18 @@ public:
 
 struct Mended
 {
-    explicit Mended(const QByteArray& log) : mender(parts)
+    explicit Mended(const QByteArray& log, const EventLog& events = EventLog()) : mender(parts)
     {
-        const QList<QByteArray> lines = log.split('\n');
+        QList<QByteArray> lines = log.split('\n');
+        const bool whole = lines.last().isEmpty();
+        if (whole)
+            lines.removeLast();
+        OldTail tail(events);
+        for (const QByteArray& line : qAsConst(lines))
+            tail.take_line(line);
+        mender.expect_tail(tail.first_line());
         for (int i = 0; i < lines.size(); ++i)
-            if (i + 1 < lines.size() || !lines[i].isEmpty())
-                mender.take_line(lines[i], i + 1 < lines.size());
+            mender.take_line(lines[i], whole || i + 1 < lines.size());
         mender.finish();
     }
 
@@ -150,6 +159,62 @@ void MenderTest::a_log_is_mended()
     }
     QTEST(mended.left_out(), "left_out");
     QCOMPARE(mended.mender.untouched(), parts.size() == 1 && parts[0] == log);
+}
+
+void MenderTest::what_a_shorter_log_was_written_over_is_split_off_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<bool>("events_tell");
+    QTest::addColumn<QList<QByteArray>>("parts");
+    QTest::addColumn<QString>("left_out");
+    const auto on = [](const char* time, QByteArray section) {
+        return section.replace("2020-04-03 10:00:00", time);
+    };
+    const char* const OLD = "2020-04-01 10:00:00";
+    const char* const HOUR = "2020-04-03 09:00:00";
+    const char* const TAIL = " left of another log that was written over";
+    const QByteArray young = HEAD + charge(1);
+    const QByteArray old_rows = "1.9,41.52\n2.9,41.53\n";
+    const auto row = [](const char* name, const QByteArray& log, bool events_tell,
+                        const QList<QByteArray>& parts, const QString& left_out) {
+        QTest::newRow(name) << log << events_tell << parts << left_out;
+    };
+    row("rows that would go on, behind a cut line",
+        young + "7\n" + old_rows + on(OLD, discharge(1)), false,
+        {young, HEAD + on(OLD, discharge(1))},
+        QString("9 no line that the application writes|10-11%1").arg(TAIL));
+    row("rows behind a cut line that is whole by chance",
+        young + "0.3,41.40\n" + old_rows + on(OLD, discharge(1)), false,
+        {young, HEAD + on(OLD, discharge(1))}, QString("9-11%1").arg(TAIL));
+    row("cut just before a head", young + on(OLD, discharge(1)), false,
+        {young, HEAD + on(OLD, discharge(1))}, "");
+    row("more sections behind it", young + on(OLD, discharge(1) + charge(2)), false,
+        {young, HEAD + on(OLD, discharge(1) + charge(2))}, "");
+    row("an hour earlier, as the event log tells too", young + on(HOUR, discharge(1)), true,
+        {young, HEAD + on(HOUR, discharge(1))}, "");
+    row("an hour earlier, behind a cut line", young + "7\n" + old_rows + on(HOUR, discharge(1)),
+        false, {young, HEAD + on(HOUR, discharge(1))},
+        QString("9 no line that the application writes|10-11%1").arg(TAIL));
+    row("an hour earlier, and nothing is cut", young + on(HOUR, discharge(1)), false,
+        {young + on(HOUR, discharge(1))}, "");
+    row("a later head", young + "7\n" + old_rows + on("2020-04-03 11:00:00", discharge(1)), false,
+        {young + old_rows + on("2020-04-03 11:00:00", discharge(1))},
+        "9 no line that the application writes");
+}
+
+void MenderTest::what_a_shorter_log_was_written_over_is_split_off()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(bool, events_tell);
+    QFETCH(QList<QByteArray>, parts);
+    EventLog events;
+    if (events_tell)
+        for (const int hour : {9, 10})
+            events.changes.append({QDateTime(QDate(2020, 4, 3), QTime(hour, 0)), "Charging", "x"});
+    const Mended mended(log, events);
+    QCOMPARE(mended.mender.failure, QString());
+    QCOMPARE(mended.parts.logs, parts);
+    QTEST(mended.left_out(), "left_out");
 }
 
 void MenderTest::what_cannot_be_mended_says_why_data()
