@@ -5,11 +5,16 @@
 
 #include <QTextStream>
 
+QString text_of(const QByteArray& line)
+{
+    return QString::fromLatin1(line.constData(), line.size());
+}
+
 Form form_of(const QByteArray& line)
 {
     if (line.size() > LONGEST_ROW)
         return Form::Other;
-    const QString text = QString::fromLatin1(line);
+    const QString text = text_of(line);
     if (is_exact_discharge_row(text))
         return Form::Discharge;
     return is_exact_charge_row(text) ? Form::Charge : Form::Other;
@@ -28,7 +33,7 @@ QByteArray key_of(const QByteArray& line)
     // Trimmed as a text: blanks there are more than bytes know.
     return colon < 0 || colon > LONGEST_ROW
                ? QByteArray()
-               : QString::fromLocal8Bit(line.left(colon)).trimmed().toLocal8Bit();
+               : QString::fromLocal8Bit(line.constData(), colon).trimmed().toLocal8Bit();
 }
 
 bool loads(const QByteArray& log)

@@ -17,6 +17,9 @@ enum class Form
     Other
 };
 
+/** Byte by byte, zeros too, at which the toolkit's own way ends. */
+QString text_of(const QByteArray& line);
+
 /** The row that a line is in the exact form of the application. */
 Form form_of(const QByteArray& line);
 

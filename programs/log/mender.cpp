@@ -58,7 +58,7 @@ void Mender::finish()
 
 void Mender::take_first_line(const QByteArray& line)
 {
-    switch (log_generation(QString::fromLocal8Bit(line.left(LONGEST_ROW)))) {
+    switch (log_generation(text_of(line.left(LONGEST_ROW)))) {
     case LogGeneration::Current:
         in = In::FileHead;
         begin_part(line + '\n');
@@ -296,7 +296,7 @@ void Mender::take_older_row(const QByteArray& line)
 {
     LogRow row;
     const bool plain =
-        line.size() <= LONGEST_ROW && read_plain_row(QString::fromLatin1(line), '\t', row);
+        line.size() <= LONGEST_ROW && read_plain_row(text_of(line), '\t', row);
     if (!plain && !loads(older_head + "Discharge cycle: 1\n" + line + '\n')) {
         leave_out(NO_SENSE);
         return;

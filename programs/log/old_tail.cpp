@@ -49,7 +49,7 @@ void OldTail::take_row(const Reading& reading)
 
 void OldTail::take_timestamp(const QByteArray& line)
 {
-    const QString text = QString::fromLatin1(line.mid(line.indexOf(':') + 1).left(LONGEST_ROW));
+    const QString text = text_of(line.mid(line.indexOf(':') + 1).left(LONGEST_ROW));
     const QDateTime time = QDateTime::fromString(text.trimmed(), Time::ISO_8601_DATE_TIME_FORMAT);
     if (!first_start.isValid()) {
         first_start = time;

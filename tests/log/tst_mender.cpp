@@ -116,6 +116,14 @@ void MenderTest::a_log_is_mended_data()
         {HEAD + discharge(1, rows)}, "9 no line that the application writes");
     add("zeros in the middle", HEAD + discharge(1, rows + QByteArray(4, '\0') + "\n" + rows),
         {HEAD + discharge(1, rows + rows)}, "9 no line that the application writes");
+    add("zeros behind a row",
+        HEAD + discharge(1, rows + "3.0,0.009,40.00,10.00" + QByteArray(4, '\0') + "\n" + rows),
+        {HEAD + discharge(1, rows + rows)}, "9 no line that the application writes");
+    add("zeros in a number's name",
+        HEAD + charge(1) + QByteArray(charge(2)).replace("Number:", QByteArray("Number\0x:", 9)) +
+            discharge(1),
+        {HEAD + charge(1) + discharge(1)},
+        "9 no line that the application writes|10-13 its section has lost its head");
     add("a parameter cut", HEAD + section("Charge Number:", 1) + "Max Charge Ti\n" + CHARGE_TITLES,
         {HEAD + section("Charge Number:", 1) + CHARGE_TITLES},
         "6 no line that the application writes");
