@@ -142,7 +142,8 @@ bool OutputFile::flush()
 void OutputFile::written_by_others(const QString& failure)
 {
     if (!failure.isEmpty())
-        fail(QString("%1 cannot be written: %2.").arg(path, failure));
+        fail(QString("%1 cannot be written: %2. Make room or choose another folder with --to.")
+                 .arg(path, failure));
 }
 
 bool OutputFile::commit()

@@ -1,6 +1,7 @@
 #include "programs/common/progress.h"
 
-#include <cstdio>
+#include "programs/common/terminal.h"
+
 #include <unistd.h>
 
 namespace
@@ -31,8 +32,7 @@ void Progress::step()
 
 void Progress::show()
 {
-    std::fprintf(stderr, "%d of %d", done, all);
-    std::fflush(stderr);
+    tell_bytes(QByteArray::number(done) + " of " + QByteArray::number(all));
     shown = true;
     since_shown.restart();
 }
@@ -41,7 +41,6 @@ void Progress::wipe()
 {
     if (!shown)
         return;
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
+    tell_bytes("\r\x1b[K");
     shown = false;
 }

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include <cerrno>
 #include <unistd.h>
 
 namespace
@@ -39,8 +40,20 @@ void tell(const QString& text)
 {
     const QByteArray line =
         (QCoreApplication::applicationName() + ": " + text + "\n").toLocal8Bit();
-    std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
-    std::fflush(stderr);
+    tell_bytes(line);
+}
+
+// Past the stream of the C library, which a library may have to itself at that moment.
+void tell_bytes(const QByteArray& bytes)
+{
+    const char* at = bytes.constData();
+    const char* const end = at + bytes.size();
+    while (at < end) {
+        const ssize_t count = ::write(STDERR_FILENO, at, size_t(end - at));
+        if (count <= 0 && errno != EINTR)
+            return;
+        at += qMax(count, ssize_t(0));
+    }
 }
 
 bool put(const QString& text)

@@ -18,5 +18,8 @@ QString coloured(const QString& text, Colour colour, std::FILE* stream);
 /** "kest-log: TEXT" with a line end, on standard error. */
 void tell(const QString& text);
 
+/** As it stands, on standard error. */
+void tell_bytes(const QByteArray& bytes);
+
 /** The result, on standard output. False if it takes no more, as a full disk or a closed pipe. */
 bool put(const QString& text);

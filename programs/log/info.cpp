@@ -14,6 +14,12 @@ QString fixed(double value, int decimals)
     return QString::number(value, 'f', decimals);
 }
 
+/** Volts of a section; it has none without rows. */
+QString shown_volts(const Section& section, double volts)
+{
+    return section.count.rows > 0 ? fixed(volts, 2) : QString("?");
+}
+
 QString shown_time(const QDateTime& time)
 {
     return time.isValid() ? time.toString(Time::ISO_8601_DATE_TIME_FORMAT) : QString("?");
@@ -49,12 +55,13 @@ QString sections_text(const LogFile& file)
                      ">last (V)"});
     for (const Section& section : file.sections) {
         const RowCount& count = section.count;
-        table.add({section_name(section), QString::number(section.line), shown_time(section.start),
-                   fixed(count.last_seconds, 1), QString::number(count.rows),
-                   fixed(count.rate(), 3), QString::number(count.gap_count),
-                   fixed(count.gap_seconds, 1), QString::number(count.clock_steps),
-                   QString::number(count.rows_out_of_order), fixed(section.first_volts, 2),
-                   fixed(section.lowest_volts, 2), fixed(section.last_volts, 2)});
+        table.add(
+            {section_name(section), QString::number(section.line), shown_time(section.start),
+             fixed(count.last_seconds, 1), QString::number(count.rows), fixed(count.rate(), 3),
+             QString::number(count.gap_count), fixed(count.gap_seconds, 1),
+             QString::number(count.clock_steps), QString::number(count.rows_out_of_order),
+             shown_volts(section, section.first_volts), shown_volts(section, section.lowest_volts),
+             shown_volts(section, section.last_volts)});
     }
     return table.text("  ");
 }

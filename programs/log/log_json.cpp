@@ -47,15 +47,18 @@ QJsonObject rows_json(const RowCount& count)
 
 QJsonObject section_json(const Section& section)
 {
+    const auto volts = [&section](double value) {
+        return section.count.rows > 0 ? number(value) : QJsonValue();
+    };
     return {{"kind", kind_name(section.kind)},
             {"number", section.number},
             {"line", section.line},
             {"start", time(section.start)},
             {"parameters", parameters_json(section.parameters)},
             {"rows", rows_json(section.count)},
-            {"first_volts", number(section.first_volts)},
-            {"lowest_volts", number(section.lowest_volts)},
-            {"last_volts", number(section.last_volts)}};
+            {"first_volts", volts(section.first_volts)},
+            {"lowest_volts", volts(section.lowest_volts)},
+            {"last_volts", volts(section.last_volts)}};
 }
 
 QJsonValue resistance_json(const Resistance& resistance)

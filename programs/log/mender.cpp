@@ -295,8 +295,7 @@ bool Mender::take_older_marker(const QByteArray& line)
 void Mender::take_older_row(const QByteArray& line)
 {
     LogRow row;
-    const bool plain =
-        line.size() <= LONGEST_ROW && read_plain_row(text_of(line), '\t', row);
+    const bool plain = line.size() <= LONGEST_ROW && read_plain_row(text_of(line), '\t', row);
     if (!plain && !loads(older_head + "Discharge cycle: 1\n" + line + '\n')) {
         leave_out(NO_SENSE);
         return;

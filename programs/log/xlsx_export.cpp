@@ -4,30 +4,65 @@
 #include "log/workbook.h"
 #include "records/log_summary.h"
 
+#include <cmath>
+
 namespace
 {
-constexpr lxw_row_t CHART_HEIGHT = 16;  // rows
+
+/** How large charts are shown. */
+struct ChartSize
+{
+    double width;    ///< as often as the library's own
+    double height;   ///< as often as the library's own
+    lxw_row_t rows;  ///< that it covers
+};
+
+constexpr ChartSize BESIDE_ROWS = {1.4, 1.2, 18};
+constexpr ChartSize ON_SUMMARY = {3.1, 1.5, 23};
+
 constexpr int MOST_CHARTED_CYCLES = 100;
 
-const QStringList SUMMARY_TITLES = {
-    "kind",
-    "number",
-    "start",
-    "duration (s)",
-    "rows",
-    "first (V)",
-    "lowest (V)",
-    "last (V)",
-    "charge (Ah)",
-    "energy live (Wh)",
-    "energy after loading (Wh)",
-    "resistances",
-    "mean (mOhm)",
+constexpr double TIME_WIDTH = 28.0;  // characters: "2020-04-03T09:15:02.000+02:00"
+
+const QVector<ColumnKind> SUMMARY_COLUMNS = {
+    {"battery", 16.0, nullptr},
+    {"serial number", 14.0, nullptr},
+    {"kind", 10.0, nullptr},
+    {"number", 8.0, "0"},
+    {"start", TIME_WIDTH, nullptr},
+    {"duration (s)", 12.0, "0.0"},
+    {"rows", 9.0, "0"},
+    {"first (V)", 9.0, "0.00"},
+    {"lowest (V)", 10.0, "0.00"},
+    {"last (V)", 9.0, "0.00"},
+    {"charge (Ah)", 12.0, "0.000"},
+    {"energy live (Wh)", 16.0, "0.000"},
+    {"energy after loading (Wh)", 24.0, "0.000"},
+    {"resistances", 12.0, "0"},
+    {"mean (mOhm)", 13.0, "0.0"},
 };
-const QStringList CHARGE_TITLES = {"section time (s)", "test time (s)", "time", "voltage (V)"};
-const QStringList CYCLE_TITLES =
-    CHARGE_TITLES +
-    QStringList{"current (A)", "charge (Ah)", "energy live (Wh)", "resistance (mOhm)"};
+const QVector<ColumnKind> CHARGE_COLUMNS = {
+    {"section time (s)", 15.0, "0.0"},
+    {"test time (s)", 13.0, "0.0"},
+    {"time", TIME_WIDTH, nullptr},
+    {"voltage (V)", 11.0, "0.00"},
+};
+const QVector<ColumnKind> CYCLE_COLUMNS = CHARGE_COLUMNS + QVector<ColumnKind>{
+                                                               {"current (A)", 11.0, "0.00"},
+                                                               {"charge (Ah)", 12.0, "0.000"},
+                                                               {"energy live (Wh)", 16.0, "0.0000"},
+                                                               {"resistance (mOhm)", 18.0, "0"},
+                                                           };
+const QVector<ColumnKind> PARAMETER_COLUMNS = {
+    {"section", 14.0, nullptr},
+    {"parameter", 32.0, nullptr},
+    {"value", 24.0, nullptr},
+};
+
+const QVector<ColumnKind>& columns_of(SectionKind kind)
+{
+    return kind == SectionKind::Charge ? CHARGE_COLUMNS : CYCLE_COLUMNS;
+}
 
 enum Column
 {
@@ -46,12 +81,13 @@ struct ChartKind
     const char* title;
     Column column;
     bool marks;
+    bool below_zero;  ///< all of it
 };
 
 constexpr ChartKind CHARTS[] = {
-    {"voltage (V)", VOLTAGE, false},
-    {"current (A)", CURRENT, false},
-    {"resistance (mOhm)", RESISTANCE, true},
+    {"voltage (V)", VOLTAGE, false, false},
+    {"current (A)", CURRENT, false, true},
+    {"resistance (mOhm)", RESISTANCE, true, false},
 };
 
 class XlsxExport final : public Exporter
@@ -60,16 +96,18 @@ public:
     XlsxExport(OutputFile& to, const QTimeZone& zone)
         : Exporter(to, zone),
           book(to.temporary_path()),
-          summary(book.add_sheet("Summary", SUMMARY_TITLES))
+          summary(book.add_sheet("Summary", SUMMARY_COLUMNS))
     {
     }
 
     void finish() override
     {
-        book.end_sheet(summary);
         const Sheet listed = add_parameters();
         book.end_sheet(listed);
-        add_charts(summary, summary.next_row + 1, 0, cycles);
+        summary.printed_rows =
+            int(add_charts(summary, summary.next_row + 1, 0, ON_SUMMARY, cycles));
+        book.set_page_title(summary, title());
+        book.end_sheet(summary);
         out.written_by_others(book.close());
     }
 
@@ -78,8 +116,7 @@ protected:
     {
         Exporter::section_begun(section);
         const bool charge = section.kind == SectionKind::Charge;
-        sheet = book.add_sheet(QString(charge ? "Charge %1" : "Cycle %1").arg(section.number),
-                               charge ? CHARGE_TITLES : CYCLE_TITLES);
+        begin_sheet(QString(charge ? "Charge %1" : "Cycle %1").arg(section.number), section.kind);
         resistance = Resistance();
         amp_hours = 0.0;
         sections << section;
@@ -90,9 +127,7 @@ protected:
         note_row(row);
         if (sheet.next_row == LXW_ROW_MAX) {
             book.end_sheet(sheet);
-            sheet =
-                book.add_sheet(QString::fromUtf8(sheet.name),
-                               section.kind == SectionKind::Charge ? CHARGE_TITLES : CYCLE_TITLES);
+            begin_sheet(QString::fromUtf8(sheet.name), section.kind);
         }
         sheet.add_number(SECTION_TIME, row.seconds);
         sheet.add_number(TEST_TIME, test_seconds(row));
@@ -107,7 +142,7 @@ protected:
     {
         const bool discharge = section.kind == SectionKind::Discharge;
         if (discharge && sheet.next_row > 1) {
-            add_charts(sheet, 1, sheet.columns + 1, {sheet});
+            add_charts(sheet, 1, sheet.columns + 1, BESIDE_ROWS, {sheet});
             if (cycles.size() < MOST_CHARTED_CYCLES)
                 cycles << sheet;
         }
@@ -116,6 +151,17 @@ protected:
     }
 
 private:
+    QString title() const
+    {
+        return profile_name + ", " + serial_number;
+    }
+
+    void begin_sheet(const QString& name, SectionKind kind)
+    {
+        sheet = book.add_sheet(name, columns_of(kind));
+        book.set_page_title(sheet, title());
+    }
+
     QString time_text(const Row& row)
     {
         QByteArray text;
@@ -139,14 +185,15 @@ private:
     void add_summary(const Section& section)
     {
         int column = 0;
+        summary.add_text(column++, profile_name);
+        summary.add_text(column++, serial_number);
         summary.add_text(column++, kind_name(section.kind));
         summary.add_number(column++, section.number);
         summary.add_text(column++, time_text(Row()));
         summary.add_number(column++, section.count.last_seconds);
         summary.add_number(column++, double(section.count.rows));
-        summary.add_number(column++, section.first_volts);
-        summary.add_number(column++, section.lowest_volts);
-        summary.add_number(column++, section.last_volts);
+        for (const double volts : {section.first_volts, section.lowest_volts, section.last_volts})
+            summary.add_number(column++, section.count.rows > 0 ? volts : std::nan(""));
         if (section.kind == SectionKind::Discharge) {
             summary.add_number(column++, amp_hours);
             summary.add_number(column++, energy.watt_hours());
@@ -160,7 +207,7 @@ private:
 
     Sheet add_parameters()
     {
-        Sheet to = book.add_sheet("Parameters", {"section", "parameter", "value"});
+        Sheet to = book.add_sheet("Parameters", PARAMETER_COLUMNS);
         const auto add = [&to](const QString& section, const QString& name, const QString& value) {
             to.add_text(0, section);
             to.add_text(1, name);
@@ -178,20 +225,25 @@ private:
         return to;
     }
 
-    void add_charts(Sheet& on, lxw_row_t row, int column, const QList<Sheet>& of)
+    /** One below the other; the row below them. */
+    lxw_row_t add_charts(Sheet& on, lxw_row_t row, int column, const ChartSize& size,
+                         const QList<Sheet>& of)
     {
-        if (of.isEmpty())
-            return;
+        if (of.isEmpty() || on.worksheet == nullptr)
+            return row;
+        lxw_chart_options options = {};
+        options.x_scale = size.width;
+        options.y_scale = size.height;
         for (const ChartKind& kind : CHARTS) {
             lxw_chart* const chart = book.add_chart("charge (Ah)", kind.title, kind.marks);
-            for (const Sheet& from : of) {
-                lxw_chart_series* const series = chart_add_series(
-                    chart, from.range(CHARGE).constData(), from.range(kind.column).constData());
-                chart_series_set_name(series, from.name.constData());
-            }
-            worksheet_insert_chart(on.worksheet, row, lxw_col_t(column), chart);
-            row += CHART_HEIGHT;
+            if (kind.below_zero)
+                chart_axis_set_max(chart->y_axis, 0.0);
+            for (const Sheet& from : of)
+                book.add_curve(chart, from, CHARGE, kind.column);
+            worksheet_insert_chart_opt(on.worksheet, row, lxw_col_t(column), chart, &options);
+            row += size.rows;
         }
+        return row;
     }
 
     Workbook book;
