@@ -1,4 +1,5 @@
 #include "guard_bench.h"
+#include "support/private_bus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -10,26 +11,6 @@
 
 namespace
 {
-/** A bus of this test alone. */
-struct Bus
-{
-    Bus()
-    {
-        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-        while (!daemon.canReadLine() && daemon.waitForReadyRead(PATIENCE_MS)) {
-        }
-        address = daemon.readLine().trimmed();
-    }
-    ~Bus()
-    {
-        daemon.terminate();
-        daemon.waitForFinished(PATIENCE_MS);
-    }
-
-    QProcess daemon;
-    QByteArray address;
-};
-
 /** The desktop's end: keeps what it is asked to show. */
 class Desktop : public QDBusVirtualObject
 {
@@ -62,7 +43,7 @@ private slots:
 
 void KestGuardDesktopTest::the_morning_finds_a_notice()
 {
-    const Bus bus;
+    const PrivateBus bus;
     QVERIFY(!bus.address.isEmpty());
     QDBusConnection connection = QDBusConnection::connectToBus(bus.address, "desktop");
     Desktop desktop;
