@@ -2,7 +2,8 @@
 
 #include "programs/common/exit_code.h"
 #include "programs/common/signal_reader.h"
-#include "watch/teller.h"
+#include "programs/common/terminal.h"
+#include "watch/tells/messenger.h"
 #include "watch/watch.h"
 
 #include <QCoreApplication>
@@ -26,15 +27,6 @@ int end_signals()
     return ::signalfd(-1, &ends, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
-/** Stands where nobody is told. */
-class SilentTeller : public Teller
-{
-public:
-    void hear(const Look&, const QDateTime&) override
-    {
-    }
-};
-
 WatchSettings settings_of(const WatchOptions& options)
 {
     WatchSettings settings;
@@ -49,10 +41,17 @@ int follow(const WatchOptions& options)
     SignalReader ends(end_signals());
     QObject::connect(&ends, &SignalReader::sig_signal, [] { QCoreApplication::quit(); });
     Watch watch(settings_of(options));
-    SilentTeller teller;
+    Messenger messenger(options.telling, watch_state_folder());
+    QObject::connect(&messenger, &Messenger::sig_trouble, tell);
+    QObject::connect(&messenger, &Messenger::sig_news,
+                     [](const QString& line) { put(line + '\n'); });
+    if (!messenger.begin()) {
+        tell(messenger.error());
+        return EXIT_SOMETHING_TO_TELL;
+    }
     const auto look = [&] {
         const Moment moment = present_moment();
-        teller.hear(watch.look(moment), moment.time);
+        messenger.hear(watch.look(moment), moment.time);
     };
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, look);

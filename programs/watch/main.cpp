@@ -1,20 +1,33 @@
 #include "programs/common/exit_code.h"
 #include "programs/common/terminal.h"
+#include "watch/conf_file.h"
 #include "watch/follow.h"
+#include "watch/tells/check.h"
 #include "watch/watch_options.h"
 
 #include <QCoreApplication>
+
+namespace
+{
+int check(const WatchOptions& options)
+{
+    bool all_good = true;
+    const bool said =
+        put(plan_text(options.telling, options.folders)) && put(try_all(options.telling, all_good));
+    return said && all_good ? EXIT_GOOD : EXIT_SOMETHING_TO_TELL;
+}
+}  // namespace
 
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName("kest-watch");
-    const WatchOptions options = read_watch_options(QCoreApplication::arguments());
+    const WatchOptions options = read_watch_options(QCoreApplication::arguments(), conf_path());
     if (!options.error.isEmpty()) {
         tell(options.error + " See kest-watch --help.");
         return EXIT_WRONG_ARGUMENTS;
     }
     if (!options.answer.isEmpty())
         return put(options.answer) ? EXIT_GOOD : EXIT_SOMETHING_TO_TELL;
-    return follow(options);
+    return options.command == WatchCommand::Check ? check(options) : follow(options);
 }

@@ -1,23 +1,31 @@
 #pragma once
 
+#include "watch/tells/tell_settings.h"
+
 #include <QStringList>
 
 enum class WatchCommand
 {
     Follow,
-    Status
+    Status,
+    Check
 };
 
-/** The command line as values. */
+/** The command line and kest-watch.conf as values. */
 struct WatchOptions
 {
     WatchCommand command = WatchCommand::Follow;
     QStringList folders;  ///< as given; none means the application's
     int quiet_seconds = 30;
     bool json = false;
+    TellSettings telling;
 
     QString answer;  ///< to be printed in place of any work: help or version
     QString error;   ///< a sentence about wrong arguments
 };
 
-WatchOptions read_watch_options(const QStringList& arguments);
+/**
+ * Settings of the file come first: where one thing is given twice, the command line's counts. Commands,
+ * addresses and URLs add up; folders of the command line replace those of the file.
+ */
+WatchOptions read_watch_options(const QStringList& arguments, const QString& conf);

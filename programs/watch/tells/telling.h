@@ -1,0 +1,27 @@
+#pragma once
+
+#include "records/condition.h"
+
+/** What people are told of a condition, and when. */
+struct Telling
+{
+    Condition condition;
+    unsigned flags;
+    const char* headline;  ///< behind the name of the pack or the computer
+    const char* sentence;  ///< what it means, and what to do
+    const char* over;      ///< the headline when it is over; empty if it happens once
+};
+
+enum TellingFlag : unsigned
+{
+    TOLD = 1U,      ///< people hear of it; the others are the ordinary course of a test
+    URGENT = 2U,    ///< stays on the desktop until somebody takes it away
+    AT_NIGHT = 4U,  ///< told in quiet hours as well
+    MACHINE = 8U,   ///< of the computer, not of a test
+    DATED = 16U,    ///< a later `since` is another one: its time stands in the log
+};
+
+const Telling& telling_of(Condition condition);
+bool has(Condition condition, TellingFlag flag);
+/** Whether it is told again while it holds, and when it is over. */
+bool lasts(Condition condition);
