@@ -31,6 +31,14 @@ QLabel* number_label(int number)
     return label;
 }
 
+/** Those that the grid has a place for stay in it: each one put back would cost a walk over all. */
+void detach_numbers_above(int number)
+{
+    QMap<int, QLabel*>& labels = number_labels();
+    for (auto label = labels.upperBound(number); label != labels.end(); ++label)
+        (*label)->setParent(nullptr);
+}
+
 int most_cycles()
 {
     int most = 0;
@@ -42,9 +50,8 @@ int most_cycles()
 
 void MainWindow::rebuild_cycle_checkbox_grid()
 {
-    for (QLabel* label : qAsConst(number_labels()))
-        label->setParent(nullptr);
     const int max_cycles = most_cycles();
+    detach_numbers_above(max_cycles);
     WidgetGrid grid;
     grid.set_size(TestStation::all_instances.size() + 1, max_cycles + 3);
     place_stations(grid, max_cycles);
