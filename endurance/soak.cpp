@@ -299,7 +299,7 @@ int main(int argc, char** argv)
     std::vector<QByteArray> leaked;
     for (int hour = 0; hour < QByteArray(argv[1]).toInt(); ++hour) {
         const HourFigures made = live_an_hour(benches, clock, weather, leaked);
-        std::printf("%.9f %lld %lld %d\n", made.seconds_per_line, made.heap, made.points,
+        std::printf("hour %.9f %lld %lld %d\n", made.seconds_per_line, made.heap, made.points,
                     made.files);
         std::fflush(stdout);
     }
