@@ -33,10 +33,11 @@ void listen_to_free_ports(const FileView& view, QList<SeenPort>& ports)
 {
     std::vector<std::unique_ptr<PortEar>> ears;
     std::vector<PortEar*> open_ears;
-    for (const SeenPort& port : qAsConst(ports)) {
+    for (SeenPort& port : ports) {
         ears.push_back(std::make_unique<PortEar>(view.place("/dev/" + port.name)));
-        QString error;
-        if (may_listen(port) && ears.back()->open(error))
+        if (!may_listen(port))
+            continue;
+        if (ears.back()->open(port.not_heard))
             open_ears.push_back(ears.back().get());
     }
     if (open_ears.empty())

@@ -44,6 +44,11 @@ constexpr Row ROWS[] = {
      "brltty, which drives Braille displays, has taken the adapter %1, so that it has no port. "
      "Take its line in the file, then unplug the adapter and plug it in again.",
      "%1"},
+    {"taken-by-brltty-service", Trouble,
+     "brltty, which drives Braille displays, has taken the adapter %1, so that it has no port. It runs as "
+     "a service that looks at all adapters. If nobody here reads Braille, switch it off, then unplug the "
+     "adapter and plug it in again.",
+     "sudo systemctl disable --now brltty"},
     {"taken-by-a-program", Trouble,
      "A program has taken the adapter %1 for itself, so that it has no port. "
      "See which one, end it, then unplug the adapter and plug it in again.",
@@ -71,6 +76,9 @@ constexpr Row ROWS[] = {
     {"busy", Trouble,
      "%1 is in use by %2 (process %3), so that no instrument shows on it. End that program.",
      "kill %1"},
+    {"not-heard", Trouble,
+     "%1 could not be listened to: it %2. A program of another user may hold it; see which one.",
+     "sudo lsof /dev/%1"},
     {"silent", Trouble,
      "%1 was silent: the instrument has no power, its plug is out, or it is in its bootloader. See to "
      "power and plug first; the command gets it out of its bootloader and switches it off.",
@@ -90,6 +98,10 @@ constexpr Row ROWS[] = {
      "brltty, which drives Braille displays, runs and may take the adapter of %1. Take the line of "
      "the adapter in the file.",
      "%1"},
+    {"brltty-service-runs", Trouble,
+     "brltty, which drives Braille displays, runs as a service that looks at all adapters, and may take "
+     "that of %1. If nobody here reads Braille, switch it off.",
+     "sudo systemctl disable --now brltty"},
     {"two-copies", Trouble,
      "%1 copies of the program run (processes %2). Each saves the same settings and profiles over "
      "the other's. Close one by its window, which switches its instruments off.",

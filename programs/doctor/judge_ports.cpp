@@ -109,22 +109,29 @@ void judge_port(const SeenPort& port, const Seen& seen, QList<Finding>& findings
         findings << why_not_opened(port, seen.user);
     for (const SeenProcess& holder : port.holders)
         findings << held(port.name, holder);
+    if (!port.not_heard.isEmpty())
+        findings << finding("not-heard", port.name, {port.name, port.not_heard}, {port.name});
     if (port.speech.listened)
         findings << judge_speech(port.name, port.speech);
     const QStringList keep_away = {keep_away_command(port.adapter)};
     if (seen.modem_manager && !port.adapter.left_alone)
         findings << finding("modem-manager", port.name, {port.name}, keep_away);
-    if (seen.brltty && !port.adapter.left_alone)
+    if (seen.brltty && seen.brltty_is_a_service)
+        findings << finding("brltty-service-runs", port.name, {port.name});
+    else if (seen.brltty && !port.adapter.left_alone)
         findings << finding("brltty-runs", port.name, {port.name}, keep_away);
     findings << finding("port", port.name, {port.name, adapter_in_words(port.adapter)});
 }
 
-void judge_adapter_without_port(const SeenAdapter& adapter, bool brltty, QList<Finding>& findings)
+void judge_adapter_without_port(const SeenAdapter& adapter, const Seen& seen,
+                                QList<Finding>& findings)
 {
     const QString words = adapter_in_words(adapter);
     if (!adapter.claimed_by_program)
         findings << finding("no-driver", words, {words}, {driver_of(adapter)});
-    else if (brltty)
+    else if (seen.brltty && seen.brltty_is_a_service)
+        findings << finding("taken-by-brltty-service", words, {words});
+    else if (seen.brltty)
         findings << finding("taken-by-brltty", words, {words}, {keep_away_command(adapter)});
     else
         findings << finding("taken-by-a-program", words, {words});
@@ -152,7 +159,7 @@ void judge_ports(const Seen& seen, QList<Finding>& findings)
     if (!has_usb_port && seen.adapters_without_port.isEmpty())
         findings << finding("no-port", {});
     for (const SeenAdapter& adapter : seen.adapters_without_port)
-        judge_adapter_without_port(adapter, seen.brltty, findings);
+        judge_adapter_without_port(adapter, seen, findings);
     for (const SeenPort& port : seen.ports)
         judge_port(port, seen, findings);
 }

@@ -26,6 +26,9 @@ Seen look(const FileView& view)
     seen.user = user_name();
     seen.modem_manager = !processes.of("ModemManager").isEmpty();
     seen.brltty = !processes.of("brltty").isEmpty();
+    // Its start at boot; by a rule of udev, it starts for the adapters that the rule names.
+    seen.brltty_is_a_service =
+        !view.link("/etc/systemd/system/sysinit.target.wants/brltty.service").isEmpty();
     seen.copies = processes.of("kest-battery-tester", true);
     look_at_ports(view, processes, seen);
     seen.stores = look_at_stores();

@@ -52,6 +52,7 @@ struct SeenPort
     bool session_in_group = false;
     bool given_to_the_seat = false;  ///< uaccess: whoever sits at the machine may open it
     QList<SeenProcess> holders;
+    QString not_heard;  ///< why it could not be listened to: "cannot be opened: ..."
     SeenSpeech speech;
 };
 
@@ -106,7 +107,8 @@ struct Seen
     QList<SeenAdapter> adapters_without_port;
     bool modem_manager = false;  ///< it is running
     bool brltty = false;
-    QList<SeenProcess> copies;  ///< of the application, that run
+    bool brltty_is_a_service = false;  ///< which looks at all adapters by itself
+    QList<SeenProcess> copies;         ///< of the application, that run
     QList<SeenStore> stores;
     QList<SeenFolder> folders;
     QList<SeenSleeper> sleepers;

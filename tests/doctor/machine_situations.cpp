@@ -154,6 +154,17 @@ void add_missing_ports(Rows& row)
             ", so that it has no port. Take its line in the file, then unplug the adapter and plug "
             "it in again.|" +
             KEEP_AWAY);
+    const auto service_has_it = [=](Seen& seen) {
+        without_port(true, true)(seen);
+        seen.ports.clear();
+        seen.brltty_is_a_service = true;
+    };
+    row("brltty's service has it", service_has_it,
+        "taken-by-brltty-service|brltty, which drives Braille displays, has taken the adapter " +
+            ADAPTER_IN_WORDS +
+            ", so that it has no port. It runs as a service that looks at all adapters. If nobody "
+            "here reads Braille, switch it off, then unplug the adapter and plug it in again.|"
+            "sudo systemctl disable --now brltty");
     row("a program has it", without_port(true, false),
         "taken-by-a-program|A program has taken the adapter " + ADAPTER_IN_WORDS +
             " for itself, so that it has no port. See which one, end it, then unplug the adapter "
@@ -205,6 +216,14 @@ void add_closed_ports(Rows& row)
 
 void add_speech(Rows& row)
 {
+    row(
+        "not to be opened",
+        [](Seen& seen) {
+            seen.ports[0].speech = {};
+            seen.ports[0].not_heard = "cannot be opened: Device or resource busy";
+        },
+        "not-heard|ttyUSB0 could not be listened to: it cannot be opened: Device or resource "
+        "busy. A program of another user may hold it; see which one.|sudo lsof /dev/ttyUSB0");
     row("silent", says({}, {}),
         "silent|ttyUSB0 was silent: the instrument has no power, its plug is out, or it is in its "
         "bootloader. See to power and plug first; the command gets it out of its bootloader and "
@@ -238,6 +257,16 @@ void add_machine(Rows& row)
         "brltty-runs|brltty, which drives Braille displays, runs and may take the adapter of "
         "ttyUSB0. Take the line of the adapter in the file.|" +
             KEEP_AWAY);
+    row(
+        "brltty's service runs",
+        [](Seen& seen) {
+            seen.brltty = true;
+            seen.brltty_is_a_service = true;
+            seen.ports[0].adapter.left_alone = true;
+        },
+        "brltty-service-runs|brltty, which drives Braille displays, runs as a service that looks "
+        "at all adapters, and may take that of ttyUSB0. If nobody here reads Braille, switch it "
+        "off.|sudo systemctl disable --now brltty");
     row(
         "three copies",
         [](Seen& seen) {

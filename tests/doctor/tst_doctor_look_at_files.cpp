@@ -31,7 +31,7 @@ Seen seen_in(const MachineTree& tree)
 }
 }  // namespace
 
-/** What kest-doctor sees of settings, folders, sleep and clock. */
+/** What kest-doctor sees of settings, folders and clock. */
 class DoctorLookAtFilesTest : public QObject
 {
     Q_OBJECT
@@ -43,8 +43,6 @@ private slots:
     void folders_are_those_of_the_settings();
     void a_network_is_known_by_the_nearest_mount_data();
     void a_network_is_known_by_the_nearest_mount();
-    void what_sends_the_machine_to_sleep_is_seen_data();
-    void what_sends_the_machine_to_sleep_is_seen();
     void clock_and_zone_are_seen();
 };
 
@@ -174,66 +172,6 @@ void DoctorLookAtFilesTest::a_network_is_known_by_the_nearest_mount()
     tree.put("/proc/self/mountinfo", "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n2 1 0:9 / " + mount +
                                          " rw,relatime shared:1 - " + kind + " server:/a rw\n");
     QTEST(seen_in(tree).folders[0].network, "network");
-}
-
-void DoctorLookAtFilesTest::what_sends_the_machine_to_sleep_is_seen_data()
-{
-    QTest::addColumn<QByteArray>("logind");
-    QTest::addColumn<QByteArray>("drop_in");
-    QTest::addColumn<bool>("lid");
-    QTest::addColumn<QByteArray>("desktop");
-    QTest::addColumn<QString>("sleepers");
-    const QByteArray nothing;
-    QTest::newRow("nothing") << nothing << nothing << false << nothing << "";
-    QTest::newRow("idle") << QByteArray("[Login]\nIdleAction=suspend\n") << nothing << false
-                          << nothing << "IdleAction";
-    QTest::newRow("commented") << QByteArray("[Login]\n#IdleAction=suspend\n") << nothing << false
-                               << nothing << "";
-    QTest::newRow("overruled") << QByteArray("[Login]\nIdleAction=suspend\n")
-                               << QByteArray("[Login]\nIdleAction=ignore\n") << false << nothing
-                               << "";
-    QTest::newRow("a lid") << nothing << nothing << true << nothing << "HandleLidSwitch";
-    QTest::newRow("a lid that is ignored")
-        << QByteArray("[Login]\nHandleLidSwitch=ignore\n") << nothing << true << nothing << "";
-    QTest::newRow("the desktop") << nothing << nothing << false << QByteArray("'suspend'")
-                                 << "desktop";
-    QTest::newRow("a desktop awake")
-        << nothing << nothing << false << QByteArray("'nothing'") << "";
-}
-
-void DoctorLookAtFilesTest::what_sends_the_machine_to_sleep_is_seen()
-{
-    QFETCH(QByteArray, logind);
-    QFETCH(QByteArray, drop_in);
-    QFETCH(bool, lid);
-    QFETCH(QByteArray, desktop);
-    QFETCH(QString, sleepers);
-    const MachineTree tree;
-    tree.put("/sys/power/state", "freeze mem disk\n");
-    tree.put("/etc/systemd/logind.conf", logind);
-    tree.put("/etc/systemd/logind.conf.d/50-shop.conf", drop_in);
-    if (lid)
-        tree.put("/proc/acpi/button/lid/LID0/state", "state: open\n");
-    const QByteArray former_path = qgetenv("PATH");
-    const QTemporaryDir programs;
-    if (!desktop.isEmpty()) {
-        const QString program = programs.filePath("gsettings");
-        QVERIFY(write_file(program, "#!/bin/sh\necho \"" + desktop + "\"\n"));
-        QVERIFY(QFile::setPermissions(program, QFile::ReadOwner | QFile::ExeOwner));
-    }
-    qputenv("PATH", programs.path().toUtf8());
-    const QList<SeenSleeper> seen = look_at_sleepers(FileView(tree.root()));
-    tree.put("/sys/power/state", "");
-    const QList<SeenSleeper> awake = look_at_sleepers(FileView(tree.root()));
-    tree.put("/sys/power/state", "mem\n");
-    tree.link("/etc/systemd/system/sleep.target", "/dev/null");
-    const QList<SeenSleeper> masked = look_at_sleepers(FileView(tree.root()));
-    qputenv("PATH", former_path);
-    QCOMPARE(seen.size(), sleepers.isEmpty() ? 0 : 1);
-    if (!sleepers.isEmpty())
-        QVERIFY2(seen[0].what.contains(sleepers), qPrintable(seen[0].what));
-    QCOMPARE(awake.size(), 0);
-    QCOMPARE(masked.size(), 0);
 }
 
 void DoctorLookAtFilesTest::clock_and_zone_are_seen()

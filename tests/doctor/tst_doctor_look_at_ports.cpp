@@ -243,6 +243,10 @@ void DoctorLookAtPortsTest::programs_are_known_by_their_command()
     QCOMPARE(seen.copies.size(), 2);
     tree.run(15, "/usr/bin/brltty");
     QVERIFY(seen_in(tree).brltty);
+    QVERIFY(!seen_in(tree).brltty_is_a_service);
+    tree.link("/etc/systemd/system/sysinit.target.wants/brltty.service",
+              "/lib/systemd/system/brltty.service");
+    QVERIFY(seen_in(tree).brltty_is_a_service);
 }
 
 KEST_GUILESS_TEST(DoctorLookAtPortsTest)

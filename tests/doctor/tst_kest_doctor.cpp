@@ -113,6 +113,7 @@ private slots:
     void what_is_said_decides_the_sentence_data();
     void what_is_said_decides_the_sentence();
     void a_port_in_use_is_not_opened();
+    void a_port_that_does_not_open_is_told();
     void a_whole_look_changes_nothing_and_says_nothing_to_the_instrument();
     void trouble_is_told_as_json();
     void refused_profiles_are_told_with_their_line();
@@ -181,6 +182,18 @@ void KestDoctorTest::a_port_in_use_is_not_opened()
     QCOMPARE(outcome.status, 1);
     // What was on the line still is.
     QVERIFY(bench.line.has_unread());
+}
+
+void KestDoctorTest::a_port_that_does_not_open_is_told()
+{
+    Bench bench;
+    bench.tree.give_port("ttyUSB0", "/dev/null");
+    const Outcome outcome = bench.doctor.run(bench.arguments());
+    QCOMPARE(outcome.output.section('\n', 0, 1),
+             QString("1. ttyUSB0 could not be listened to: it is no serial port. A program of "
+                     "another user may hold it; see which one.\n"
+                     "       sudo lsof /dev/ttyUSB0"));
+    QCOMPARE(outcome.status, 1);
 }
 
 void KestDoctorTest::a_whole_look_changes_nothing_and_says_nothing_to_the_instrument()
