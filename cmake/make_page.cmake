@@ -15,6 +15,8 @@ endforeach()
 
 # The program's own help lies beside the page.
 string(REPLACE "../resources/help.html" "help.html" text "${text}")
+# So do its pictures.
+string(REPLACE "src=\"manual/" "src=\"" text "${text}")
 
 file(READ ${HEAD} head)
 file(WRITE ${TARGET} "${head}${text}</body>\n</html>\n")
