@@ -1,5 +1,7 @@
 #include "station/panel/selection_killer_delegate.h"
 
+#include <QPainter>
+
 void SelectionKillerDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                                     const QModelIndex& index) const
 {

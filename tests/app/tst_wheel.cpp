@@ -6,6 +6,7 @@
 #include <QAbstractSpinBox>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSpinBox>
 
 /** The wheel over spin and combo boxes: theirs with the focus, the list's without it. */
 class WheelTest : public QObject
