@@ -220,7 +220,7 @@ void KestDoctorTest::trouble_is_told_as_json()
     const QJsonObject document = QJsonDocument::fromJson(outcome.output.toUtf8()).object();
     QCOMPARE(document["healthy"].toBool(true), false);
     QStringList ids;
-    for (const QJsonValue& finding : document["findings"].toArray())
+    for (const auto& finding : document["findings"].toArray())
         ids << finding.toObject()["id"].toString();
     QCOMPARE(ids, QStringList({"clock", "port", "no-folder-chosen", "no-folder-chosen"}));
     QCOMPARE(outcome.status, 1);
