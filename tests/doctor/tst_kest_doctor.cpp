@@ -124,7 +124,6 @@ private slots:
     void what_is_no_port_is_refused();
     void the_own_machine_is_looked_at();
     void help_and_version_are_told();
-    void the_manual_page_has_every_option_of_the_help();
     void a_bad_argument_is_told_data();
     void a_bad_argument_is_told();
 };
@@ -342,25 +341,6 @@ void KestDoctorTest::help_and_version_are_told()
     const Outcome help = doctor.run({"-h"});
     QCOMPARE(help.status, 0);
     QVERIFY(help.output.contains("--listen <PORT>"));
-}
-
-void KestDoctorTest::the_manual_page_has_every_option_of_the_help()
-{
-    Doctor doctor;
-    const QString help = doctor.run({"--help"}).output;
-    const QString page = QString::fromUtf8(content_of(source_file("docs/man/kest-doctor.1")));
-    const QString completion =
-        QString::fromUtf8(content_of(source_file("packaging/completion/kest-doctor")));
-    auto options = QRegularExpression("--([a-z-]+)").globalMatch(help);
-    QStringList told;
-    while (options.hasNext())
-        told << options.next().captured(1);
-    told.removeDuplicates();
-    QVERIFY(told.contains("listen") && told.contains("root"));
-    for (const QString& option : qAsConst(told)) {
-        QVERIFY2(page.contains("\\-\\-" + QString(option).replace("-", "\\-")), qPrintable(option));
-        QVERIFY2(completion.contains("--" + option), qPrintable(option));
-    }
 }
 
 void KestDoctorTest::a_bad_argument_is_told_data()

@@ -29,12 +29,13 @@ DemoStart read_demo_options(const QStringList& arguments, DemoOptions& options, 
                                         "leaves its logs and a screenshot in DIR, and ends.",
                                         "DIR");
     const QCommandLineOption help({"h", "help"}, "Shows this text.");
+    const QCommandLineOption version({"v", "version"}, "Shows the version.");
     QCommandLineParser parser;
     parser.setApplicationDescription(
         "The Kest Battery Tester with simulated instruments, in time lapse. One test starts by "
         "itself, a second station waits for its Start, a third instrument for a station. Settings "
         "and logs are kept apart from those of the real program.");
-    parser.addOptions({speed, unattended, help});
+    parser.addOptions({speed, unattended, help, version});
 
     if (!parser.parse(arguments)) {
         message = parser.errorText();
@@ -42,6 +43,10 @@ DemoStart read_demo_options(const QStringList& arguments, DemoOptions& options, 
     }
     if (parser.isSet(help)) {
         message = parser.helpText();
+        return DemoStart::Help;
+    }
+    if (parser.isSet(version)) {
+        message = "kest-demo " KEST_VERSION "\n";
         return DemoStart::Help;
     }
     if (!parser.positionalArguments().isEmpty()) {

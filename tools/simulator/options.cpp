@@ -70,6 +70,7 @@ void declare_options(QCommandLineParser& parser)
     parser.addOption({"exit-at-end", "End behind the last line of a recording."});
     parser.addOption({"exit-with-stdin", "End when standard input does."});
     parser.addOption({{"h", "help"}, "Show this text."});
+    parser.addOption({{"v", "version"}, "Show the version."});
 }
 
 QString read_number(const NumberOption& option, const QString& text, Options& options)
@@ -157,6 +158,10 @@ OptionsResult read_options(const QStringList& arguments, Options& options, QStri
     const bool parsed = parser.parse(arguments);
     if (parsed && parser.isSet("help")) {
         text = parser.helpText() + "\nFaults:\n\n" + fault_help();
+        return OptionsResult::Help;
+    }
+    if (parsed && parser.isSet("version")) {
+        text = "kest-simulator " KEST_VERSION "\n";
         return OptionsResult::Help;
     }
     text = parsed ? first_error(parser, options) : parser.errorText();
