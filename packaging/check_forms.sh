@@ -19,6 +19,18 @@ metainfo=$folder/example.distributor.kest_battery_tester.metainfo.xml
 sed "s/@PROJECT_VERSION@/$version/; s/@KEST_RELEASE_DATE@/$day/" packaging/metainfo.xml.in >"$metainfo"
 appstreamcli validate --pedantic --no-net "$metainfo"
 
+# size_of FILE.png: as metainfo tells it.
+size_of()
+{
+    od --address-radix=n --endian=big --format=u4 --skip-bytes=16 --read-bytes=8 "$1" |
+        sed 's/^ *\([0-9]*\) *\([0-9]*\)$/width="\1" height="\2"/'
+}
+
+for picture in docs/screenshot.png docs/manual/page.png; do
+    grep --quiet --fixed-strings "$(size_of "$picture")>https://www.distributor.example/product-info/${picture##*/}<" \
+        packaging/metainfo.xml.in || fail "packaging/metainfo.xml.in does not show $picture, or not as large as it is."
+done
+
 for page in docs/man/*.1; do
     words=$(man --warnings --encoding=UTF-8 --local-file --troff-device=utf8 "$page" 2>&1 >/dev/null)
     [[ -z $words ]] || fail "$page: $words"

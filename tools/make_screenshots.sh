@@ -1,6 +1,6 @@
 #!/bin/bash
-# Makes the pictures of the README and the manual anew, from a whole test of the demo on a virtual screen of
-# 1600x1000. Takes some two minutes; needs xvfb, xauth and poppler-utils.
+# Makes the pictures of the README, the manual and the metainfo anew, from a whole test of the demo on a virtual
+# screen of 1600x1000. Takes some two minutes; needs xvfb, xauth and poppler-utils.
 set -euo pipefail
 cd "$(dirname "$(readlink --canonicalize "$0")")/.."
 
