@@ -137,6 +137,16 @@ ask_doctor()
     say "kest-doctor finds no instrument, by its menu entry, too."
 }
 
+# The unit starts the program that is there, and nobody has switched it on.
+look_at_watch()
+{
+    local unit=/usr/lib/systemd/user/kest-watch.service
+    [[ -x $(sed --quiet 's/^ExecStart=//p' "$unit") ]] || fail "$unit starts nothing."
+    [[ -z $(find /etc/systemd -name 'kest-watch*') ]] || fail "kest-watch is switched on for all."
+    (as_tester "kest-watch status samples") || [[ $? == 1 ]] || fail "kest-watch fails."
+    say "kest-watch looks at the samples, and its service waits for the user."
+}
+
 purge_all()
 {
     # shellcheck disable=SC2046
@@ -165,6 +175,7 @@ starts kest-battery-tester "Kestrometer Suite"
 starts kest-demo "Demo, 60 times as fast"
 run_test_to_done
 use_logs
+look_at_watch
 ask_doctor
 kill "$screen"
 bash /use_udev_rules.sh
