@@ -85,6 +85,8 @@ public:
         link.take_commands();
         if (station.phase == PHASE_IDLE || station.phase == PHASE_DONE)
             begin_test();
+        else if (station.phase == PHASE_READY_FOR_DISCHARGE)
+            station.findChild<QPushButton*>("pbStartSkip")->click();
         note_state();
     }
 
