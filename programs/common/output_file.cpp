@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sched.h>
 #include <unistd.h>
 
 namespace
@@ -21,14 +22,46 @@ constexpr int MOST_FILES = 256;
 // Plain memory that a signal handler may read: a name is never freed while it stands here.
 std::atomic<char*> unfinished[MOST_FILES];
 
+std::atomic<bool> ending{false};
+std::atomic<int> opening{0};  // files that are being made at this moment
+thread_local int opening_here = 0;
+
 extern "C" void remove_unfinished_files(int signal_number)
 {
+    ending = true;
+    // What this very thread is about to make it makes no more.
+    while (opening > opening_here)
+        ::sched_yield();
     for (std::atomic<char*>& name : unfinished)
         if (const char* path = name.load())
             ::unlink(path);
     std::signal(signal_number, SIG_DFL);
     ::raise(signal_number);
 }
+
+/** While one lives, a file is being made that a signal is to find. */
+class Opening
+{
+public:
+    Opening()
+    {
+        ++opening_here;
+        ++opening;
+        while (ending) {
+            // The end is near, and no file is to come after it.
+            --opening;
+            ::pause();
+            ++opening;
+        }
+    }
+    ~Opening()
+    {
+        --opening;
+        --opening_here;
+    }
+    Opening(const Opening&) = delete;
+    Opening& operator=(const Opening&) = delete;
+};
 
 int note_unfinished(const QByteArray& path)
 {
@@ -90,6 +123,8 @@ bool move_to_free_name(const QByteArray& from, const QByteArray& to)
 
 OutputFile::OutputFile(const QString& target, bool forced) : path(target), force(forced)
 {
+    // Room asked for is kept when the text is emptied for the next piece.
+    pending.reserve(PIECE + PIECE / 4);
 }
 
 OutputFile::~OutputFile()
@@ -113,6 +148,7 @@ bool OutputFile::open()
     if (!force && QFileInfo::exists(path))
         return fail(QString("%1 exists; add --force to replace it.").arg(path));
     const QString name = name_beside(path);
+    const Opening being_made;
     slot = note_unfinished(QFile::encodeName(name));
     file.setFileName(name);
     if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
@@ -125,7 +161,12 @@ bool OutputFile::open()
 
 void OutputFile::write(const QByteArray& bytes)
 {
-    pending += bytes;
+    write(bytes.constData(), bytes.size());
+}
+
+void OutputFile::write(const char* bytes, int size)
+{
+    pending.append(bytes, size);
     if (pending.size() >= PIECE)
         flush();
 }
@@ -133,7 +174,7 @@ void OutputFile::write(const QByteArray& bytes)
 bool OutputFile::flush()
 {
     const bool written = error_text.isEmpty() && write_all(file.handle(), pending);
-    pending.clear();
+    pending.resize(0);
     return written || fail(QString("%1 cannot be written: %2. Make room or choose another folder "
                                    "with --to.")
                                .arg(path, system_error()));

@@ -21,6 +21,7 @@ public:
     bool open();
     /** Written in large pieces; what fails shows at commit. */
     void write(const QByteArray& bytes);
+    void write(const char* bytes, int size);
     /** Writes out what waits. False with an error. */
     bool flush();
     /** Tells how a library fared that wrote to the temporary path: empty, or why it failed. */
