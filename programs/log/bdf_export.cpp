@@ -37,28 +37,28 @@ void BdfExport::row_read(const Section& section, const Row& row, const LogLine&)
         return;
     }
     ++discharge_rows;
-    text.resize(0);
-    append_fixed(text, test_seconds(row), 1);
-    text += ',';
-    append_fixed(text, row.volts, 2);
-    text += ',';
-    append_fixed(text, -row.amps, 2);
-    text += ',';
+    row_text.clear();
+    append_fixed(row_text, test_seconds(row), 1);
+    row_text.add(',');
+    append_fixed(row_text, row.volts, 2);
+    row_text.add(',');
+    append_fixed(row_text, -row.amps, 2);
+    row_text.add(',');
     if (time_known())
-        append_fixed(text, double(milliseconds(row)) / 1000.0, 1);
-    text += ',';
-    text += QByteArray::number(section.number);
-    text += ',';
-    text += QByteArray::number(step);
-    text += ',';
-    append_fixed(text, row.amp_hours, 3);
-    text += ',';
-    append_fixed(text, row.watt_hours, 4);
-    text += ',';
+        append_fixed(row_text, double(milliseconds(row)) / 1000.0, 1);
+    row_text.add(',');
+    row_text.add(QByteArray::number(section.number));
+    row_text.add(',');
+    row_text.add(QByteArray::number(step));
+    row_text.add(',');
+    append_fixed(row_text, row.amp_hours, 3);
+    row_text.add(',');
+    append_fixed(row_text, row.watt_hours, 4);
+    row_text.add(',');
     if (row.has_resistance)
-        append_fixed(text, row.milliohms / 1000.0, 3);
-    text += "\r\n";
-    out.write(text);
+        append_fixed(row_text, row.milliohms / 1000.0, 3);
+    row_text.add("\r\n");
+    out.write(row_text.data(), row_text.size());
 }
 
 QStringList BdfExport::notes() const

@@ -24,5 +24,4 @@ protected:
 private:
     qint64 charge_rows = 0;
     qint64 discharge_rows = 0;
-    QByteArray text;  ///< of the row in the making
 };

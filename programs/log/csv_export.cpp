@@ -34,29 +34,29 @@ void CsvExport::section_begun(const Section& section)
 void CsvExport::row_read(const Section& section, const Row& row, const LogLine&)
 {
     note_row(row);
-    text.resize(0);
-    text += prefix;
-    append_fixed(text, row.seconds, 1);
-    text += ',';
-    append_fixed(text, test_seconds(row), 1);
-    text += ',';
+    row_text.clear();
+    append_fixed(row_text, row.seconds, 1);
+    row_text.add(',');
+    append_fixed(row_text, test_seconds(row), 1);
+    row_text.add(',');
     if (time_known())
-        clock.append_time(text, milliseconds(row));
-    text += ',';
-    append_fixed(text, row.volts, 2);
-    text += ',';
+        clock.append_time(row_text, milliseconds(row));
+    row_text.add(',');
+    append_fixed(row_text, row.volts, 2);
+    row_text.add(',');
     if (section.kind == SectionKind::Discharge) {
-        append_fixed(text, -row.amps, 2);
-        text += ',';
-        append_fixed(text, row.amp_hours, 3);
-        text += ',';
-        append_fixed(text, row.watt_hours, 4);
-        text += ',';
+        append_fixed(row_text, -row.amps, 2);
+        row_text.add(',');
+        append_fixed(row_text, row.amp_hours, 3);
+        row_text.add(',');
+        append_fixed(row_text, row.watt_hours, 4);
+        row_text.add(',');
         if (row.has_resistance)
-            append_fixed(text, row.milliohms, 0);
+            append_fixed(row_text, row.milliohms, 0);
     } else {
-        text += ",,,";
+        row_text.add(",,,");
     }
-    text += "\r\n";
-    out.write(text);
+    row_text.add("\r\n");
+    out.write(prefix);
+    out.write(row_text.data(), row_text.size());
 }

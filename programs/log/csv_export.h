@@ -15,5 +15,4 @@ protected:
 
 private:
     QByteArray prefix;  ///< of each row of the section: battery to kind
-    QByteArray text;    ///< of the row in the making
 };

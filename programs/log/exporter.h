@@ -30,7 +30,8 @@ protected:
 
     OutputFile& out;
     ZoneClock clock;
-    int step = 0;  ///< the sections counted
+    int step = 0;      ///< the sections counted
+    RowText row_text;  ///< of the row in the making
 
 private:
     bool start_known = false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include "log/row_text.h"
 
-/** Appends 41.5 as "41.500" where three decimals are asked for; nothing for what is no finite number. */
-void append_fixed(QByteArray& text, double value, int decimals);
+/** Adds 41.5 as "41.500" where three decimals are asked for; nothing for what is no finite number. */
+void append_fixed(RowText& text, double value, int decimals);

@@ -15,12 +15,12 @@ QByteArray compact(const QJsonObject& object)
     return QJsonDocument(object).toJson(QJsonDocument::Compact);
 }
 
-void append_number(QByteArray& text, double value, int decimals)
+void append_number(RowText& text, double value, int decimals)
 {
     if (std::isfinite(value))
         append_fixed(text, value, decimals);
     else
-        text += "null";
+        text.add("null");
 }
 
 /** An object's text, open for one more key. */
@@ -48,9 +48,10 @@ void JsonExport::section_begun(const Section& section)
     Exporter::section_begun(section);
     put_head();
     const bool charge = section.kind == SectionKind::Charge;
-    QByteArray start;
+    row_text.clear();
     if (time_known())
-        clock.append_time(start, milliseconds(Row()));
+        clock.append_time(row_text, milliseconds(Row()));
+    const QString start = QString::fromLatin1(row_text.data(), row_text.size());
     QJsonArray columns = {"section_time_s", "test_time_s", "voltage_V"};
     if (!charge)
         for (const char* name :
@@ -59,7 +60,7 @@ void JsonExport::section_begun(const Section& section)
     out.write(step == 1 ? "\n" : ",\n");
     out.write(opened({{"kind", kind_name(section.kind)},
                       {"number", section.number},
-                      {"start", start.isEmpty() ? QJsonValue() : QString::fromLatin1(start)},
+                      {"start", start.isEmpty() ? QJsonValue() : start},
                       {"parameters", parameters_json(section.parameters)},
                       {"columns", columns}}) +
               ",\"rows\":[");
@@ -69,26 +70,26 @@ void JsonExport::section_begun(const Section& section)
 void JsonExport::row_read(const Section& section, const Row& row, const LogLine&)
 {
     note_row(row);
-    text.resize(0);
-    text += first_row ? "\n[" : ",\n[";
+    row_text.clear();
+    row_text.add(first_row ? "\n[" : ",\n[");
     first_row = false;
-    append_number(text, row.seconds, 1);
-    text += ',';
-    append_number(text, test_seconds(row), 1);
-    text += ',';
-    append_number(text, row.volts, 2);
+    append_number(row_text, row.seconds, 1);
+    row_text.add(',');
+    append_number(row_text, test_seconds(row), 1);
+    row_text.add(',');
+    append_number(row_text, row.volts, 2);
     if (section.kind == SectionKind::Discharge) {
-        text += ',';
-        append_number(text, -row.amps, 2);
-        text += ',';
-        append_number(text, row.amp_hours, 3);
-        text += ',';
-        append_number(text, row.watt_hours, 4);
-        text += ',';
-        append_number(text, row.has_resistance ? row.milliohms : std::nan(""), 0);
+        row_text.add(',');
+        append_number(row_text, -row.amps, 2);
+        row_text.add(',');
+        append_number(row_text, row.amp_hours, 3);
+        row_text.add(',');
+        append_number(row_text, row.watt_hours, 4);
+        row_text.add(',');
+        append_number(row_text, row.has_resistance ? row.milliohms : std::nan(""), 0);
     }
-    text += ']';
-    out.write(text);
+    row_text.add(']');
+    out.write(row_text.data(), row_text.size());
 }
 
 void JsonExport::section_ended(const Section&)

@@ -20,5 +20,4 @@ private:
 
     bool head_put = false;
     bool first_row = true;
-    QByteArray text;  ///< of the row in the making
 };

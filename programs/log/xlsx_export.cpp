@@ -164,10 +164,10 @@ private:
 
     QString time_text(const Row& row)
     {
-        QByteArray text;
+        row_text.clear();
         if (time_known())
-            clock.append_time(text, milliseconds(row));
-        return QString::fromLatin1(text);
+            clock.append_time(row_text, milliseconds(row));
+        return QString::fromLatin1(row_text.data(), row_text.size());
     }
 
     void add_discharge(const Row& row)

@@ -5,10 +5,17 @@ namespace
 constexpr qint64 DAY = 86400000;
 constexpr qint64 HALF_A_YEAR = 180 * DAY;
 
-void append_two(QByteArray& text, qint64 number)
+void put_two(char* at, int number)
 {
-    text += char('0' + number / 10);
-    text += char('0' + number % 10);
+    at[0] = char('0' + number / 10);
+    at[1] = char('0' + number % 10);
+}
+
+QByteArray two_digits(int number)
+{
+    char digits[2];
+    put_two(digits, number);
+    return QByteArray(digits, 2);
 }
 
 qint64 floored(qint64 milliseconds, qint64 unit)
@@ -36,14 +43,12 @@ void ZoneClock::ask_zone(qint64 milliseconds)
     offset = seconds * qint64(1000);
     const int minutes = qAbs(seconds) / 60;
     offset_text = seconds < 0 ? "-" : "+";
-    append_two(offset_text, minutes / 60);
-    offset_text += ':';
-    append_two(offset_text, minutes % 60);
+    offset_text += two_digits(minutes / 60) + ':' + two_digits(minutes % 60);
     known_day = 0;
     day_text.clear();
 }
 
-void ZoneClock::append_time(QByteArray& text, qint64 milliseconds)
+void ZoneClock::append_time(RowText& text, qint64 milliseconds)
 {
     if (milliseconds < known_from || milliseconds >= known_to)
         ask_zone(milliseconds);
@@ -53,15 +58,14 @@ void ZoneClock::append_time(QByteArray& text, qint64 milliseconds)
         known_day = day;
         day_text = QDate(1970, 1, 1).addDays(day).toString(Qt::ISODate).toLatin1() + 'T';
     }
-    const qint64 in_day = local - day * DAY;
-    text += day_text;
-    append_two(text, in_day / 3600000);
-    text += ':';
-    append_two(text, in_day / 60000 % 60);
-    text += ':';
-    append_two(text, in_day / 1000 % 60);
-    text += '.';
-    text += char('0' + in_day % 1000 / 100);
-    append_two(text, in_day % 100);
-    text += offset_text;
+    const int in_day = int(local - day * DAY);
+    char clock[] = "00:00:00.000";
+    put_two(clock, in_day / 3600000);
+    put_two(clock + 3, in_day / 60000 % 60);
+    put_two(clock + 6, in_day / 1000 % 60);
+    clock[9] = char('0' + in_day % 1000 / 100);
+    put_two(clock + 10, in_day % 100);
+    text.add(day_text);
+    text.add(clock, int(sizeof clock) - 1);
+    text.add(offset_text);
 }

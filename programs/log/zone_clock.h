@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QByteArray>
+#include "log/row_text.h"
+
 #include <QDateTime>
 #include <QTimeZone>
 
@@ -14,7 +15,7 @@ public:
     qint64 milliseconds_of(const QDateTime& local) const;
 
     /** Appends "2020-04-03T10:02:45.000+02:00". */
-    void append_time(QByteArray& text, qint64 milliseconds);
+    void append_time(RowText& text, qint64 milliseconds);
 
 private:
     void ask_zone(qint64 milliseconds);
