@@ -1,7 +1,6 @@
 #include "records/log_input.h"
 
-#include <QFileInfo>
-
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -10,6 +9,8 @@
 
 namespace
 {
+std::atomic<qint64> all_bytes{0};
+
 /** A descriptor for reading; -1 with errno. A FIFO without a writer does not hold it up. */
 int open_quietly(const QByteArray& path)
 {
@@ -48,17 +49,12 @@ bool LogInput::isSequential() const
 
 bool LogInput::atEnd() const
 {
-    return QIODevice::atEnd() && (too_long || file.atEnd());
+    return QIODevice::atEnd() && (too_long || read_so_far >= size_at_open || file.atEnd());
 }
 
-qint64 LogInput::bytes_read() const
+qint64 LogInput::bytes_of_all()
 {
-    return read_so_far;
-}
-
-qint64 LogInput::file_size() const
-{
-    return size_at_open;
+    return all_bytes;
 }
 
 bool LogInput::ends_with_line_end() const
@@ -83,7 +79,7 @@ bool LogInput::has_carriage_returns() const
 
 qint64 LogInput::readData(char* data, qint64 most)
 {
-    const qint64 count = too_long ? 0 : file.read(data, most);
+    const qint64 count = too_long ? 0 : file.read(data, qMin(most, size_at_open - read_so_far));
     if (count <= 0)
         return -1;
     const void* const line_end = ::memrchr(data, '\n', size_t(count));
@@ -91,6 +87,7 @@ qint64 LogInput::readData(char* data, qint64 most)
         line_begin = read_so_far + (static_cast<const char*>(line_end) - data) + 1;
     carriage_returns = carriage_returns || std::memchr(data, '\r', size_t(count)) != nullptr;
     read_so_far += count;
+    all_bytes += count;
     last = data[count - 1];
     too_long = read_so_far - line_begin > LONGEST_LINE;
     return count;

@@ -5,6 +5,7 @@
 /**
  * The bytes of a log, read only, as the application reads them: without a trace on the file.
  *
+ * A log that grows meanwhile ends where it ended when it was opened: whoever writes is never waited for.
  * A line longer than LONGEST_LINE ends the input: what has such lines is no log, and would fill the
  * memory.
  */
@@ -19,9 +20,8 @@ public:
     bool isSequential() const override;
     bool atEnd() const override;
 
-    qint64 bytes_read() const;
-    /** Bytes of the file when it was opened. */
-    qint64 file_size() const;
+    /** Read by all of them since the program began. */
+    static qint64 bytes_of_all();
     /** The last byte is a line end, or there is none. */
     bool ends_with_line_end() const;
     bool ends_with_nul() const;

@@ -80,9 +80,10 @@ public:
             return failure("This kest-log was built without xlsx; install libxlsxwriter-dev and "
                            "build it again.");
         if (!read(input, *exporter))
-            return failure(
-                QString("%1 does not load: %2. A copy made by kest-log repair can be exported.")
-                    .arg(path, place_of(exporter->refusal)));
+            return failure(QString("%1 does not load: %2.").arg(path, place_of(exporter->refusal)) +
+                           (exporter->generation == LogGeneration::None
+                                ? ""
+                                : " A copy made by kest-log repair can be exported."));
         exporter->finish();
         return write(out, *exporter);
     }
@@ -96,9 +97,11 @@ private:
     static bool read(LogInput& input, Exporter& exporter)
     {
         QTextStream stream(&input);
-        const bool accepted = read_log(stream, exporter) && !input.line_too_long();
+        const bool accepted = read_log(stream, exporter);
         exporter.end_log();
-        return accepted;
+        if (input.line_too_long())
+            exporter.refusal.reason = "a line of more than 64 MB";
+        return accepted && !input.line_too_long();
     }
 
     /** Both files of a BDF table or none: each is whole before the first gets its name. */

@@ -9,7 +9,7 @@ const QByteArray CHARGE_TITLES = "Time (s),Voltage (V)";
 const QByteArray DISCHARGE_TITLES = "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)";
 constexpr int OLDER_HEAD_LINES = 7;
 
-const char* const NO_SENSE = "no line that the application writes";
+const char* const NO_SENSE = "no line in the application's own form";
 const char* const HEAD_LOST = "its section has lost its head";
 const char* const TAIL = "left of another log that was written over";
 }  // namespace

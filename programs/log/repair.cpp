@@ -60,19 +60,23 @@ public:
             parts.back().file->write(bytes);
     }
 
-    /** Puts all in their places once each of them passes. Empty, or why there is no copy. */
+    /**
+     * Puts all in their places once each of them passes.
+     *
+     * @return why there is no copy; empty if there is one, or if a file failed, which is an `error` then
+     */
     QString commit()
     {
         for (const Part& part : parts) {
             if (!part.file->flush())
-                return part.file->error();
+                return fail(*part.file);
             const QString reason = why_refused(part.file->temporary_path());
             if (!reason.isEmpty())
                 return "what can be kept does not load: " + reason;
         }
         for (const Part& part : parts)
             if (!part.file->commit())
-                return part.file->error();
+                return fail(*part.file);
         return QString();
     }
 
@@ -92,6 +96,12 @@ private:
         QString path;
         std::unique_ptr<OutputFile> file;
     };
+
+    QString fail(const OutputFile& file)
+    {
+        error = file.error();
+        return QString();
+    }
 
     QString log_path;
     const Options& options;
@@ -208,6 +218,8 @@ Outcome make_copy(const QString& path, const Options& options, qint64 tail_line)
     if (!files.error.isEmpty())
         return Outcome::failure(path, files.error);
     const QString reason = mender.failure.isEmpty() ? files.commit() : mender.failure;
+    if (!files.error.isEmpty())
+        return Outcome::failure(path, files.error);
     return reason.isEmpty() ? told(path, files.paths(), mender) : not_mended(path, reason);
 }
 }  // namespace

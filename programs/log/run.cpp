@@ -8,15 +8,19 @@
 #include "log/input_files.h"
 #include "log/options.h"
 #include "log/repair.h"
+#include "log/workers.h"
+#include "records/log_input.h"
 
 #include <QJsonDocument>
 
+#include <chrono>
 #include <deque>
 #include <functional>
-#include <future>
 
 namespace
 {
+constexpr std::chrono::milliseconds GLANCE(100);
+
 using Work = std::function<Outcome(const QString& path)>;
 
 int widest_of(const QStringList& files)
@@ -95,18 +99,22 @@ ExitCode work_on(const QStringList& files, const Options& options, const Work& w
 {
     ExitCode code = EXIT_GOOD;
     Progress progress(files.size());
+    Workers workers(qMin(options.jobs, files.size()));
     std::deque<std::future<Outcome>> running;
     const auto take_first = [&] {
+        while (running.front().wait_for(GLANCE) != std::future_status::ready)
+            progress.look(LogInput::bytes_of_all());
         const Outcome outcome = running.front().get();
         running.pop_front();
         progress.step();
         report.add(outcome);
+        progress.look(LogInput::bytes_of_all());
         code = qMax(code, outcome.code);
     };
     for (const QString& file : files) {
         if (int(running.size()) == options.jobs)
             take_first();
-        running.push_back(std::async(std::launch::async, work, file));
+        running.push_back(workers.begin([&work, file] { return work(file); }));
     }
     while (!running.empty())
         take_first();

@@ -20,7 +20,6 @@ private slots:
     void a_log_that_does_not_load_leaves_no_file_data();
     void a_log_that_does_not_load_leaves_no_file();
     void a_folder_that_takes_no_file_is_told();
-    void a_full_disk_is_told_and_leaves_nothing();
 };
 
 namespace
@@ -176,23 +175,6 @@ void KestLogExportTest::a_folder_that_takes_no_file_is_told()
              QString("kest-log: nowhere/a.tidy.csv cannot be written: No such file or directory. "
                      "Choose another folder with --to.\n"));
     QCOMPARE(run.status, 1);
-}
-
-/** A limit on the size of files stands for the disk. */
-void KestLogExportTest::a_full_disk_is_told_and_leaves_nothing()
-{
-    const Place place;
-    place.write("a.csv",
-                sample("current_one_cycle.csv") + QByteArray("0.9,38.02\n").repeated(20000));
-    const Run run("bash",
-                  {"-c", "trap '' XFSZ; ulimit -f 400; exec \"$0\" export -f csv --zone UTC a.csv",
-                   kest_log()},
-                  place.path("."));
-    QCOMPARE(run.complaints,
-             QString("kest-log: a.tidy.csv cannot be written: File too large. Make room or choose "
-                     "another folder with --to.\n"));
-    QCOMPARE(run.status, 1);
-    QCOMPARE(place.names(), QStringList{"a.csv"});
 }
 
 KEST_GUILESS_TEST(KestLogExportTest)

@@ -113,25 +113,25 @@ void MenderTest::a_log_is_mended_data()
     add("a last line without its end", whole + "2.9,41.5", {whole},
         "19 the last line, which has no end");
     add("a row that loads and is wrong", HEAD + discharge(1, rows + "3.0,0.009,40.11,9\n"),
-        {HEAD + discharge(1, rows)}, "9 no line that the application writes");
+        {HEAD + discharge(1, rows)}, "9 no line in the application's own form");
     add("zeros in the middle", HEAD + discharge(1, rows + QByteArray(4, '\0') + "\n" + rows),
-        {HEAD + discharge(1, rows + rows)}, "9 no line that the application writes");
+        {HEAD + discharge(1, rows + rows)}, "9 no line in the application's own form");
     add("zeros behind a row",
         HEAD + discharge(1, rows + "3.0,0.009,40.00,10.00" + QByteArray(4, '\0') + "\n" + rows),
-        {HEAD + discharge(1, rows + rows)}, "9 no line that the application writes");
+        {HEAD + discharge(1, rows + rows)}, "9 no line in the application's own form");
     add("zeros in a number's name",
         HEAD + charge(1) + QByteArray(charge(2)).replace("Number:", QByteArray("Number\0x:", 9)) +
             discharge(1),
         {HEAD + charge(1) + discharge(1)},
-        "9 no line that the application writes|10-13 its section has lost its head");
+        "9 no line in the application's own form|10-13 its section has lost its head");
     add("a parameter cut", HEAD + section("Charge Number:", 1) + "Max Charge Ti\n" + CHARGE_TITLES,
         {HEAD + section("Charge Number:", 1) + CHARGE_TITLES},
-        "6 no line that the application writes");
+        "6 no line in the application's own form");
     add("a head without its number",
         HEAD + charge(1) + "Disch\n" + discharge(1).mid(discharge(1).indexOf('\n') + 1) +
             charge(2) + discharge(2),
         {HEAD + charge(1) + charge(1) + discharge(1)},
-        "9 no line that the application writes|10-13 its section has lost its head");
+        "9 no line in the application's own form|10-13 its section has lost its head");
     add("charge rows under a discharge",
         HEAD + charge(1) + section("Discharge Number:", 1) + TITLES + "0.9,41.60\n" + discharge(2),
         {HEAD + charge(1) + section("Discharge Number:", 1) + TITLES +
@@ -140,7 +140,7 @@ void MenderTest::a_log_is_mended_data()
     add("an old tail behind a cut line",
         HEAD + charge(1) + "7,41.40\n" + charge(3) + discharge(3) + charge(4),
         {HEAD + charge(1), HEAD + charge(1) + discharge(1) + charge(2)},
-        "9 no line that the application writes");
+        "9 no line in the application's own form");
     add("an old tail in the middle of rows",
         HEAD + discharge(1, rows + "3.0,2.500,38.00,10.00\n4.0,2.503,38.00,10.00\n") + charge(2),
         {HEAD + discharge(1, rows), HEAD + charge(1)},
@@ -190,7 +190,7 @@ void MenderTest::what_a_shorter_log_was_written_over_is_split_off_data()
     row("rows that would go on, behind a cut line",
         young + "7\n" + old_rows + on(OLD, discharge(1)), false,
         {young, HEAD + on(OLD, discharge(1))},
-        QString("9 no line that the application writes|10-11%1").arg(TAIL));
+        QString("9 no line in the application's own form|10-11%1").arg(TAIL));
     row("rows behind a cut line that is whole by chance",
         young + "0.3,41.40\n" + old_rows + on(OLD, discharge(1)), false,
         {young, HEAD + on(OLD, discharge(1))}, QString("9-11%1").arg(TAIL));
@@ -202,12 +202,12 @@ void MenderTest::what_a_shorter_log_was_written_over_is_split_off_data()
         {young, HEAD + on(HOUR, discharge(1))}, "");
     row("an hour earlier, behind a cut line", young + "7\n" + old_rows + on(HOUR, discharge(1)),
         false, {young, HEAD + on(HOUR, discharge(1))},
-        QString("9 no line that the application writes|10-11%1").arg(TAIL));
+        QString("9 no line in the application's own form|10-11%1").arg(TAIL));
     row("an hour earlier, and nothing is cut", young + on(HOUR, discharge(1)), false,
         {young + on(HOUR, discharge(1))}, "");
     row("a later head", young + "7\n" + old_rows + on("2020-04-03 11:00:00", discharge(1)), false,
         {young + old_rows + on("2020-04-03 11:00:00", discharge(1))},
-        "9 no line that the application writes");
+        "9 no line in the application's own form");
 }
 
 void MenderTest::what_a_shorter_log_was_written_over_is_split_off()
