@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QString>
 
 /** Lines of a current log as bytes: their form, their key, and what the readers say of them. */
 
