@@ -17,6 +17,16 @@ fail()
     exit 1
 }
 
+# What runs in the background would keep the output open, and whoever waits for its end waiting.
+end_all()
+{
+    local process
+    for process in $(jobs -p) ${screen:-}; do
+        kill "$process" 2>/dev/null || true
+    done
+}
+trap end_all EXIT
+
 # installed_packages FORMAT: those that these packages are, each in this form.
 installed_packages()
 {
@@ -143,7 +153,7 @@ look_at_watch()
     local unit=/usr/lib/systemd/user/kest-watch.service
     [[ -x $(sed --quiet 's/^ExecStart=//p' "$unit") ]] || fail "$unit starts nothing."
     [[ -z $(find /etc/systemd -name 'kest-watch*') ]] || fail "kest-watch is switched on for all."
-    (as_tester "kest-watch status samples") || [[ $? == 1 ]] || fail "kest-watch fails."
+    (as_tester "timeout 300 kest-watch status samples") || [[ $? == 1 ]] || fail "kest-watch fails."
     say "kest-watch looks at the samples, and its service waits for the user."
 }
 
