@@ -151,10 +151,9 @@ ask_doctor()
 look_at_watch()
 {
     local unit=/usr/lib/systemd/user/kest-watch.service
-    [[ -x $(sed --quiet 's/^ExecStart=//p' "$unit") ]] || fail "$unit starts nothing."
+    [[ $("$(sed --quiet 's/^ExecStart=//p' "$unit")" --version) == "kest-watch "* ]] || fail "$unit starts nothing."
     [[ -z $(find /etc/systemd -name 'kest-watch*') ]] || fail "kest-watch is switched on for all."
-    (as_tester "timeout 300 kest-watch status samples") || [[ $? == 1 ]] || fail "kest-watch fails."
-    say "kest-watch looks at the samples, and its service waits for the user."
+    say "the service kest-watch waits for a user who wants it."
 }
 
 purge_all()
