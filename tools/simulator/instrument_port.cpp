@@ -40,15 +40,18 @@ bool InstrumentPort::open(QString& error)
     readable = std::make_unique<QSocketNotifier>(terminal.descriptor(), QSocketNotifier::Read);
     writable = std::make_unique<QSocketNotifier>(terminal.descriptor(), QSocketNotifier::Write);
     writable->setEnabled(false);
-    connect(readable.get(), &QSocketNotifier::activated, this, [this] {
-        const QByteArray bytes = terminal.read();
-        // Whoever sends has come before.
-        readers.catch_up();
-        if (!bytes.isEmpty())
-            emit sig_received(bytes);
-    });
+    connect(readable.get(), &QSocketNotifier::activated, this, [this] { catch_up(); });
     connect(writable.get(), &QSocketNotifier::activated, this, &InstrumentPort::send_queue);
     return true;
+}
+
+void InstrumentPort::catch_up()
+{
+    const QByteArray bytes = terminal.read();
+    // Whoever sends has come before.
+    readers.catch_up();
+    if (!bytes.isEmpty())
+        emit sig_received(bytes);
 }
 
 void InstrumentPort::close()

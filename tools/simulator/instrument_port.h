@@ -34,6 +34,8 @@ public:
 
     /** Sends in one write, or each byte in a write of its own with a pause behind it. */
     void send(const QByteArray& bytes, bool byte_by_byte);
+    /** Takes what has arrived, and whoever has come or gone, before the event loop tells of it. */
+    void catch_up();
     /** True if nothing waits to be sent or read. */
     bool all_read() const;
     /** True if anybody has the port open to read. */

@@ -129,6 +129,8 @@ void SimulatorRun::send_next_line()
         port.send(lines[int(lines_sent++)].text + "\r\n", false);
         return;
     }
+    // However late this process is: the next line knows what the instrument has been told.
+    port.catch_up();
     ++lines_sent;
     const QByteArray wire = instrument.advance(1.0 / options.rate);
     follow_port();
