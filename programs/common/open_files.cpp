@@ -15,6 +15,8 @@ namespace
 {
 // /dev/null and its like: every process has some, and none is a terminal.
 constexpr unsigned MEMORY_DEVICES = 1;
+// Among the flags of a process, as the kernel has it.
+constexpr unsigned EXITING = 4;
 
 using Folder = std::unique_ptr<DIR, int (*)(DIR*)>;
 
@@ -108,6 +110,7 @@ OpenFiles open_files_of(pid_t process, const SystemRoots& roots)
         device.path = QFile::decodeName(QByteArray(path, int(std::max<ssize_t>(length, 0))));
         device.device = status.st_rdev;
         device.inode = status.st_ino;
+        device.filesystem = status.st_dev;
         read_details(device, process_folder);
         files.devices << device;
     }
@@ -186,6 +189,11 @@ dev_t controlling_terminal_of(pid_t process, const SystemRoots& roots)
 char state_of_process(pid_t process, const SystemRoots& roots)
 {
     return columns_of(process, roots).first().append('\0').at(0);
+}
+
+bool is_ending(pid_t process, const SystemRoots& roots)
+{
+    return (columns_of(process, roots).value(6).toUInt() & EXITING) != 0;
 }
 
 bool catches_signal(pid_t process, int signal, const SystemRoots& roots)

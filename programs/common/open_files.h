@@ -14,6 +14,7 @@ struct OpenDevice
     QString path;            ///< as the system names it: "/dev/ttyUSB0", "/dev/pts/3 (deleted)"
     dev_t device = 0;        ///< major and minor number
     ino_t inode = 0;         ///< of the file behind the path
+    dev_t filesystem = 0;    ///< that this inode is one of
     bool both_ways = false;  ///< open to read and to write
     int master_of = -1;      ///< number of the pseudo-terminal whose other end this is; -1 for none
 };
@@ -62,6 +63,9 @@ dev_t controlling_terminal_of(pid_t process, const SystemRoots& roots);
 
 /** The letter of the system for what a process does: 'T' stopped, 't' held by a debugger; 0 unknown. */
 char state_of_process(pid_t process, const SystemRoots& roots);
+
+/** Whether the process has begun to end, and so lets nobody see any more what it has open. */
+bool is_ending(pid_t process, const SystemRoots& roots);
 
 /** Whether the process has a handler of its own for the signal. */
 bool catches_signal(pid_t process, int signal, const SystemRoots& roots);

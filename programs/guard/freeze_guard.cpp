@@ -10,7 +10,7 @@ QMap<QString, int> waiting_bytes(const ChildProcess& child, const OpenFiles& fil
     QMap<QString, int> waiting;
     for (const SerialLine& line : held)
         for (const OpenDevice& file : files.devices) {
-            const int bytes = file.device == line.device && file.both_ways
+            const int bytes = is_open_on(file, line) && file.both_ways
                                   ? child.waiting_bytes(file.descriptor, line.device)
                                   : -1;
             if (bytes >= 0)

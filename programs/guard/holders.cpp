@@ -9,9 +9,8 @@ namespace
 {
 bool holds(const OpenFiles& files, const SerialLine& line)
 {
-    return std::any_of(files.devices.begin(), files.devices.end(), [&line](const OpenDevice& file) {
-        return file.device == line.device && (line.inode == 0 || file.inode == line.inode);
-    });
+    return std::any_of(files.devices.begin(), files.devices.end(),
+                       [&line](const OpenDevice& file) { return is_open_on(file, line); });
 }
 }  // namespace
 

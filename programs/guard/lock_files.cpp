@@ -4,15 +4,19 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <unistd.h>
+
 namespace
 {
 const QString PREFIX = "LCK..";
 // Files bear the time of the system's last tick, which may lie before the one asked for.
 constexpr int CLOCK_STEP_MS = 100;
 
-/** The file's first line is the number of the process. */
+/** The file's first line is the number of the process. Anybody may make such a file: only our own count. */
 bool is_of(pid_t process, const QFileInfo& lock)
 {
+    if (lock.ownerId() != ::geteuid())
+        return false;
     QFile file(lock.filePath());
     return file.open(QIODevice::ReadOnly) && file.readLine(32).trimmed().toLongLong() == process;
 }
@@ -32,7 +36,8 @@ QStringList paths_for(const QString& name)
 
 QStringList lock_folders()
 {
-    return {"/var/lock", "/etc/locks", "/var/spool/locks", "/var/lock/lockdev", "/run/lock"};
+    return {"/var/lock", "/etc/locks",        "/var/spool/locks", "/tmp",
+            "/var/tmp",  "/var/lock/lockdev", "/run/lock"};
 }
 
 QVector<SerialLine> lines_locked_by(pid_t process, const QDateTime& start,

@@ -31,12 +31,28 @@ bool operator==(const SerialLine& line, const SerialLine& other)
     return line.path == other.path && line.device == other.device &&
            line.hardware == other.hardware && line.usb_serial == other.usb_serial &&
            line.usb_device == other.usb_device && line.inode == other.inode &&
-           line.made_at_ns == other.made_at_ns;
+           line.filesystem == other.filesystem && line.made_at_ns == other.made_at_ns;
 }
 
-SerialLines::SerialLines(const SystemRoots& system_roots)
-    : roots(system_roots), kinds(TerminalKinds::from_text(contents(roots.proc + "/tty/drivers")))
+bool is_open_on(const OpenDevice& file, const SerialLine& line)
 {
+    return file.device == line.device &&
+           (line.inode == 0 || (file.inode == line.inode && file.filesystem == line.filesystem));
+}
+
+SerialLines::SerialLines(const SystemRoots& system_roots) : roots(system_roots)
+{
+    look_again();
+}
+
+void SerialLines::look_again()
+{
+    kinds = TerminalKinds::from_text(contents(roots.proc + "/tty/drivers"));
+}
+
+bool SerialLines::can_be_told() const
+{
+    return kinds.knows_any();
 }
 
 std::optional<SerialLine> SerialLines::at(const QString& path) const
@@ -55,6 +71,7 @@ std::optional<SerialLine> SerialLines::at(const QString& path) const
         return line;
     case TerminalKind::PseudoTerminal:
         line.inode = status.st_ino;
+        line.filesystem = status.st_dev;
         line.made_at_ns = qint64(status.st_ctim.tv_sec) * 1000000000 + status.st_ctim.tv_nsec;
         return line;
     }
@@ -90,9 +107,7 @@ QVector<SerialLine> SerialLines::among(const OpenFiles& files,
             continue;
         const std::optional<SerialLine> line = at(file.path);
         // The path of a line that was pulled leads nowhere, or to its successor.
-        const bool same = line.has_value() && line->device == file.device &&
-                          (line->inode == 0 || line->inode == file.inode);
-        if (same && !lines.contains(*line))
+        if (line.has_value() && is_open_on(file, *line) && !lines.contains(*line))
             lines << *line;
     }
     return lines;

@@ -38,6 +38,11 @@ void TerminalKinds::add_line(const QByteArray& line)
         drivers_known << driver;
 }
 
+bool TerminalKinds::knows_any() const
+{
+    return !drivers_known.isEmpty();
+}
+
 TerminalKind TerminalKinds::kind_of(dev_t device) const
 {
     for (const Driver& driver : drivers_known)

@@ -20,6 +20,8 @@ public:
     static TerminalKinds from_text(const QByteArray& drivers);
 
     TerminalKind kind_of(dev_t device) const;
+    /** Whether the list names any serial line at all. */
+    bool knows_any() const;
 
 private:
     struct Driver

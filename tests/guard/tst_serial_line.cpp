@@ -11,28 +11,14 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 Q_DECLARE_METATYPE(SerialLine)
 
 namespace
 {
-const QByteArray DRIVERS = "/dev/tty             /dev/tty        5       0 system:/dev/tty\n"
-                           "/dev/console         /dev/console    5       1 system:console\n"
-                           "/dev/ptmx            /dev/ptmx       5       2 system\n"
-                           "rfcomm               /dev/rfcomm   216 0-255 serial\n"
-                           "acm                  /dev/ttyACM   166 0-255 serial\n"
-                           "usbserial            /dev/ttyUSB   188 0-511 serial\n"
-                           "serial               /dev/ttyS       4 64-95 serial\n"
-                           "pty_slave            /dev/pts      136 0-1048575 pty:slave\n"
-                           "pty_master           /dev/ptm      128 0-1048575 pty:master\n"
-                           "unknown              /dev/tty        4 1-63 console\n"
-                           "nonsense\n"
-                           "half /dev/x serial\n"
-                           "x /dev/x y z serial\n";
-
 /** A pseudo-terminal that this process holds as a program holds its instrument. */
 struct HeldLine
 {
@@ -57,9 +43,16 @@ OpenFiles with_file(const SerialLine& line)
     file.path = line.path;
     file.device = line.device;
     file.inode = line.inode;
+    file.filesystem = line.filesystem;
     file.both_ways = true;
     files.devices << file;
     return files;
+}
+
+/** To this system the device is the line of an adapter. */
+QByteArray usb_driver_of(dev_t device)
+{
+    return "usbserial /dev/ttyUSB " + QByteArray::number(major(device)) + " 0-511 serial\n";
 }
 
 SerialLine named(const QString& path, const QString& usb_serial = QString())
@@ -77,8 +70,6 @@ class SerialLineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void the_driver_tells_the_kind_data();
-    void the_driver_tells_the_kind();
     void a_pseudo_terminal_is_a_line();
     void what_is_no_terminal_is_no_line_data();
     void what_is_no_terminal_is_no_line();
@@ -86,6 +77,7 @@ private slots:
     void every_detail_counts_data();
     void every_detail_counts();
     void the_adapter_is_found_above_the_line();
+    void a_driver_may_come_later();
     void lines_among_files_data();
     void lines_among_files();
     void the_far_end_does_not_hold_the_line();
@@ -94,37 +86,9 @@ private slots:
     void what_was_pulled_is_lost_until_it_is_back();
     void what_was_closed_is_not_lost();
     void a_lock_file_tells_what_was_held();
+    void a_process_that_ends_is_told_from_one_that_hides();
     void without_the_system_s_word_nothing_is_known();
 };
-
-void SerialLineTest::the_driver_tells_the_kind_data()
-{
-    QTest::addColumn<int>("major");
-    QTest::addColumn<int>("minor");
-    QTest::addColumn<int>("kind");
-    const auto row = [](const char* name, int major, int minor, TerminalKind kind) {
-        QTest::newRow(name) << major << minor << int(kind);
-    };
-    row("USB adapter", 188, 0, TerminalKind::Serial);
-    row("last USB adapter", 188, 511, TerminalKind::Serial);
-    row("behind the last", 188, 512, TerminalKind::None);
-    row("modem class", 166, 3, TerminalKind::Serial);
-    row("on board", 4, 64, TerminalKind::Serial);
-    row("virtual console", 4, 1, TerminalKind::None);
-    row("own terminal", 5, 0, TerminalKind::None);
-    row("maker of pseudo-terminals", 5, 2, TerminalKind::None);
-    row("pseudo-terminal", 136, 70000, TerminalKind::PseudoTerminal);
-    row("its other end", 128, 3, TerminalKind::None);
-    row("nothing", 0, 0, TerminalKind::None);
-}
-
-void SerialLineTest::the_driver_tells_the_kind()
-{
-    QFETCH(int, major);
-    QFETCH(int, minor);
-    const TerminalKinds kinds = TerminalKinds::from_text(DRIVERS);
-    QTEST(int(kinds.kind_of(makedev(unsigned(major), unsigned(minor)))), "kind");
-}
 
 void SerialLineTest::a_pseudo_terminal_is_a_line()
 {
@@ -178,6 +142,7 @@ void SerialLineTest::every_detail_counts_data()
     QTest::newRow("serial number") << (line = SerialLine(), line.usb_serial = "x", line);
     QTest::newRow("number on the bus") << (line = SerialLine(), line.usb_device = "x", line);
     QTest::newRow("inode") << (line = SerialLine(), line.inode = 1, line);
+    QTest::newRow("file system") << (line = SerialLine(), line.filesystem = 1, line);
     QTest::newRow("time") << (line = SerialLine(), line.made_at_ns = 1, line);
 }
 
@@ -191,9 +156,8 @@ void SerialLineTest::every_detail_counts()
 void SerialLineTest::the_adapter_is_found_above_the_line()
 {
     const HeldLine held;
-    struct stat status = {};
-    QCOMPARE(::stat(qPrintable(held.path), &status), 0);
-    const QString number = QString("%1:%2").arg(major(status.st_rdev)).arg(minor(status.st_rdev));
+    const dev_t device = SerialLines().at(held.path)->device;
+    const QString number = QString("%1:%2").arg(major(device)).arg(minor(device));
     const QTemporaryDir folder;
     const QDir root(folder.path());
     const QString line_folder = "sys/devices/usb1/1-4/1-4:1.0/ttyUSB0/tty/ttyUSB0";
@@ -203,10 +167,7 @@ void SerialLineTest::the_adapter_is_found_above_the_line()
     QVERIFY(write_file(root.filePath("sys/devices/usb1/1-4/devnum"), "23\n"));
     QVERIFY(write_file(root.filePath("sys/devices/usb1/1-4/serial"), "A10KQ\n"));
     QVERIFY(QFile::link(root.filePath(line_folder), root.filePath("sys/dev/char/" + number)));
-    // To this system a pseudo-terminal is the line of an adapter.
-    QVERIFY(write_file(
-        root.filePath("proc/tty/drivers"),
-        QString("usbserial /dev/ttyUSB %1 0-511 serial\n").arg(major(status.st_rdev)).toUtf8()));
+    QVERIFY(write_file(root.filePath("proc/tty/drivers"), usb_driver_of(device)));
     const SerialLines lines({root.filePath("proc"), root.filePath("sys")});
     const std::optional<SerialLine> line = lines.at(held.path);
     QVERIFY(line.has_value());
@@ -218,18 +179,36 @@ void SerialLineTest::the_adapter_is_found_above_the_line()
     QVERIFY(!lines.unchanged(*line));
 }
 
+void SerialLineTest::a_driver_may_come_later()
+{
+    const HeldLine held;
+    const dev_t device = SerialLines().at(held.path)->device;
+    const QTemporaryDir folder;
+    const QDir root(folder.path());
+    QVERIFY(root.mkpath("proc/tty"));
+    QVERIFY(write_file(root.filePath("proc/tty/drivers"), "serial /dev/ttyS 4 64-95 serial\n"));
+    SerialLines lines({root.filePath("proc"), root.filePath("sys")});
+    QVERIFY(!lines.at(held.path).has_value());
+    QVERIFY(write_file(root.filePath("proc/tty/drivers"), usb_driver_of(device)));
+    QVERIFY(!lines.at(held.path).has_value());
+    lines.look_again();
+    QVERIFY(lines.at(held.path).has_value());
+}
+
 void SerialLineTest::lines_among_files_data()
 {
     QTest::addColumn<bool>("both_ways");
     QTest::addColumn<bool>("is_people_s");
     QTest::addColumn<bool>("same_inode");
+    QTest::addColumn<bool>("same_filesystem");
     QTest::addColumn<QString>("path_end");
     QTest::addColumn<bool>("is_line");
-    QTest::newRow("held") << true << false << true << "" << true;
-    QTest::newRow("only read") << false << false << true << "" << false;
-    QTest::newRow("a terminal of people") << true << true << true << "" << false;
-    QTest::newRow("its name has another now") << true << false << false << "" << false;
-    QTest::newRow("pulled") << true << false << true << " (deleted)" << false;
+    QTest::newRow("held") << true << false << true << true << "" << true;
+    QTest::newRow("only read") << false << false << true << true << "" << false;
+    QTest::newRow("a terminal of people") << true << true << true << true << "" << false;
+    QTest::newRow("its name has another now") << true << false << false << true << "" << false;
+    QTest::newRow("a container's, of that number") << true << false << true << false << "" << false;
+    QTest::newRow("pulled") << true << false << true << true << " (deleted)" << false;
 }
 
 void SerialLineTest::lines_among_files()
@@ -237,6 +216,7 @@ void SerialLineTest::lines_among_files()
     QFETCH(bool, both_ways);
     QFETCH(bool, is_people_s);
     QFETCH(bool, same_inode);
+    QFETCH(bool, same_filesystem);
     QFETCH(QString, path_end);
     QFETCH(bool, is_line);
     const SerialLines lines;
@@ -245,6 +225,7 @@ void SerialLineTest::lines_among_files()
     OpenFiles files = with_file(line);
     files.devices[0].both_ways = both_ways;
     files.devices[0].inode += same_inode ? 0 : 1;
+    files.devices[0].filesystem += same_filesystem ? 0 : 1;
     files.devices[0].path += path_end;
     files.devices << files.devices[0];
     const QVector<dev_t> of_people = is_people_s ? QVector<dev_t>{line.device} : QVector<dev_t>();
@@ -334,12 +315,30 @@ void SerialLineTest::a_lock_file_tells_what_was_held()
     QCOMPARE(lines_locked_by(4711, start.addSecs(60), lines, {folder.path()}),
              QVector<SerialLine>());
     QCOMPARE(lines_locked_by(4711, start, lines, {"/no/such/folder"}), QVector<SerialLine>());
+    // Another user's word: only root can make a file in another's name.
+    if (::geteuid() == 0) {
+        QCOMPARE(::chown(qPrintable(lock), 65534, 65534), 0);
+        QCOMPARE(lines_locked_by(4711, start, lines, {folder.path()}), QVector<SerialLine>());
+        QCOMPARE(::chown(qPrintable(lock), 0, 0), 0);
+    }
     // The line is younger than its lock: it is not the one that was locked.
     QFile file(lock);
     QVERIFY(file.open(QIODevice::ReadWrite));
     QVERIFY(file.setFileTime(start.addSecs(-60), QFileDevice::FileModificationTime));
     QCOMPARE(lines_locked_by(4711, start.addSecs(-90), lines, {folder.path()}),
              QVector<SerialLine>());
+}
+
+void SerialLineTest::a_process_that_ends_is_told_from_one_that_hides()
+{
+    QVERIFY(!is_ending(::getpid(), SystemRoots()));
+    const pid_t process = ::fork();
+    if (process == 0)
+        ::_exit(0);
+    siginfo_t info = {};
+    QCOMPARE(::waitid(P_PID, id_t(process), &info, WEXITED | WNOWAIT), 0);
+    QVERIFY(is_ending(process, SystemRoots()));
+    QCOMPARE(::waitpid(process, nullptr, 0), process);
 }
 
 void SerialLineTest::without_the_system_s_word_nothing_is_known()
@@ -350,8 +349,11 @@ void SerialLineTest::without_the_system_s_word_nothing_is_known()
     QCOMPARE(state_of_process(::getpid(), nowhere), '\0');
     QCOMPARE(controlling_terminal_of(::getpid(), nowhere), dev_t(0));
     QVERIFY(!catches_signal(::getpid(), 1, nowhere));
+    QVERIFY(!is_ending(::getpid(), nowhere));
     const HeldLine held;
     QVERIFY(!SerialLines(nowhere).at(held.path).has_value());
+    QVERIFY(!SerialLines(nowhere).can_be_told());
+    QVERIFY(SerialLines().can_be_told());
 }
 
 KEST_GUILESS_TEST(SerialLineTest)
