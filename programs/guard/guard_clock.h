@@ -10,6 +10,8 @@ public:
     explicit GuardClock(double speed);
 
     qint64 now_ms() const;
+    /** The same in real time: what other processes take does not run faster with the instruments. */
+    qint64 real_now_ms() const;
     /** The real time in which `ms` pass, but not below `least` and not above `ms`. */
     int real_ms(int ms, int least) const;
 

@@ -25,11 +25,10 @@ LineSwitch::LineSwitch(const SerialLine& serial_line, const SerialLines& lines_p
     connect(&port, &QSerialPort::readyRead, this, &LineSwitch::receive, Qt::QueuedConnection);
 }
 
-void LineSwitch::try_to_open(const QString& holder, qint64 now_ms)
+void LineSwitch::try_to_open(const QString& holder, qint64 real_now_ms)
 {
-    now = now_ms;
     if (waits_until < 0)
-        waits_until = now_ms + PATIENCE_MS;
+        waits_until = real_now_ms + PATIENCE_MS;
     const std::optional<SerialLine> found = present.at(line.path);
     if (!found.has_value() || !(*found == line)) {
         finish(found.has_value() ? Fate::Changed : Fate::Gone);
@@ -37,14 +36,13 @@ void LineSwitch::try_to_open(const QString& holder, qint64 now_ms)
     }
     if (holder.isEmpty() && port.open(QIODevice::ReadWrite))
         step = Step::Opened;
-    else if (now_ms >= waits_until)
+    else if (real_now_ms >= waits_until)
         finish(holder.isEmpty() ? Fate::Refused : Fate::Held,
                holder.isEmpty() ? port.errorString() : holder);
 }
 
 void LineSwitch::begin(const QString& holder, qint64 now_ms)
 {
-    now = now_ms;
     if (!holder.isEmpty()) {
         finish(Fate::Held, holder);
         return;
@@ -83,7 +81,6 @@ void LineSwitch::receive()
 
 void LineSwitch::pass(qint64 now_ms)
 {
-    now = now_ms;
     if (step != Step::Listening && step != Step::Working)
         return;
     // What has arrived comes before the time that it took: this process may have been held up.

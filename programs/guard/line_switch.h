@@ -18,8 +18,8 @@ public:
     /** With `listen_first` nothing is sent before a valid line has been heard. */
     LineSwitch(const SerialLine& serial_line, const SerialLines& lines_present, bool listen_first);
 
-    /** Tries to open the port; `holder` is whoever else has it, empty for nobody. */
-    void try_to_open(const QString& holder, qint64 now_ms);
+    /** Tries to open the port; `holder` is whoever else has it, empty for nobody. In real time. */
+    void try_to_open(const QString& holder, qint64 real_now_ms);
     /** The port is open and nothing has been sent: the first command, or nothing if it has a holder. */
     void begin(const QString& holder, qint64 now_ms);
     void pass(qint64 now_ms);
@@ -33,7 +33,7 @@ public:
     SerialLine line;
     Outcome outcome;
 
-    static constexpr qint64 PATIENCE_MS = 3000;  ///< with a port that is refused
+    static constexpr qint64 PATIENCE_MS = 3000;  ///< with a port that is refused; real time
     static constexpr qint64 LISTEN_MS = 5000;
     static constexpr int DISOBEDIENT_LINES = 5;
 
@@ -66,7 +66,6 @@ private:
     Step step = Step::Waiting;
     qint64 waits_until = -1;
     qint64 listens_until = 0;
-    qint64 now = 0;
     QByteArray overheard;
     bool disobedience_told = false;
 };

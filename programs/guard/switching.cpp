@@ -55,7 +55,7 @@ void Switching::open_ports()
     const QMap<QString, QString> holders = other_holders(waiting, present.roots);
     for (const auto& line : lines)
         if (line->is_waiting())
-            line->try_to_open(holders.value(line->line.path), clock.now_ms());
+            line->try_to_open(holders.value(line->line.path), clock.real_now_ms());
     // Looked up again: the system lets root open a port that somebody else has just opened.
     const QMap<QString, QString> newcomers =
         other_holders(lines_where(&LineSwitch::is_opened), present.roots);
