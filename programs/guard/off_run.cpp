@@ -24,12 +24,13 @@ OffRun::OffRun(const GuardOptions& guard_options, const QStringList& ports_of_th
       machine_ports(ports_of_this_machine),
       clock(guard_options.speed),
       teller(state_folder()),
+      lock(state_folder()),
       signal_reader(signal_descriptor),
       run(lines, clock, teller, Sentences::headline("kest-guard"))
 {
     connect(&signal_reader, &SignalReader::sig_signal, this, &OffRun::take_signal);
     connect(&run, &SwitchingRun::sig_done, this,
-            [this] { QCoreApplication::exit(complete && run.all_is_off() ? 0 : 1); });
+            [this] { QCoreApplication::exit(run.all_is_off() ? 0 : 1); });
 }
 
 QStringList OffRun::paths() const
@@ -43,15 +44,16 @@ QStringList OffRun::paths() const
 
 void OffRun::start()
 {
+    // A program that is started meanwhile would find its port busy, and say nothing.
+    lock.hold();
     bool any = false;
     for (const QString& path : paths())
         any = add_port(path) || any;
-    if (any) {
+    if (any || !options.all) {
         run.start();
         return;
     }
-    if (options.all)
-        teller.tell(Sentences::no_free_port());
+    teller.tell(Sentences::no_free_port());
     QCoreApplication::exit(1);
 }
 
@@ -59,19 +61,27 @@ bool OffRun::add_port(const QString& path)
 {
     const std::optional<SerialLine> line = lines.at(path);
     if (!line.has_value()) {
-        complete = complete && options.all;
         if (!options.all)
-            teller.tell(Sentences::no_serial_port(path));
+            take_outcome(path, Fate::NoPort);
         return false;
     }
     const QString holder = other_holders({*line}, lines.roots).value(line->path);
     // Of all ports the free ones only; one that was named is waited for.
     if (options.all && !holder.isEmpty()) {
-        teller.tell(Sentences::not_free(line->name(), holder));
+        take_outcome(line->name(), Fate::InUse, holder);
         return false;
     }
     run.add(*line, options.all);
     return true;
+}
+
+void OffRun::take_outcome(const QString& line, Fate fate, const QString& detail)
+{
+    Outcome outcome;
+    outcome.line = line;
+    outcome.fate = fate;
+    outcome.detail = detail;
+    run.take_outcome(outcome);
 }
 
 void OffRun::take_signal(int number)

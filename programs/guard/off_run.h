@@ -2,6 +2,7 @@
 
 #include "guard/guard_clock.h"
 #include "guard/guard_options.h"
+#include "guard/switching_lock.h"
 #include "guard/switching_run.h"
 #include "programs/common/signal_reader.h"
 
@@ -23,6 +24,7 @@ public:
 private:
     QStringList paths() const;
     bool add_port(const QString& path);
+    void take_outcome(const QString& line, Fate fate, const QString& detail = QString());
     void take_signal(int number);
 
     GuardOptions options;
@@ -30,7 +32,7 @@ private:
     GuardClock clock;
     SerialLines lines;
     Teller teller;
+    SwitchingLock lock;
     SignalReader signal_reader;
     SwitchingRun run;
-    bool complete = true;
 };

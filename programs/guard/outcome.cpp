@@ -2,5 +2,5 @@
 
 bool Outcome::is_good() const
 {
-    return fate == Fate::Off || fate == Fate::Unheard;
+    return fate == Fate::Off || fate == Fate::Unheard || fate == Fate::InUse;
 }

@@ -20,6 +20,8 @@ enum class Fate
     Lost,           ///< pulled before the program ended
     Left,           ///< the operator did not want to wait
     Unheard,        ///< no instrument speaks there, and so it was told nothing
+    InUse,          ///< not free, where only free ones were asked for
+    NoPort,         ///< nothing of that name is a serial port
 };
 
 /** One line and what became of it. */

@@ -2,7 +2,6 @@
 
 #include "common/date_time.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace
@@ -92,6 +91,8 @@ constexpr FateWords FATES[] = {
                  "command. Unplug the pack."},
     {Fate::Left, "%1 was left as it is, as Ctrl-C asked. %3 Unplug the pack."},
     {Fate::Unheard, "No instrument speaks on %1; nothing was sent there."},
+    {Fate::InUse, "%1 is in use by %2 and was left alone."},
+    {Fate::NoPort, "%1 is no serial port of this machine."},
 };
 
 QString fate_words(Fate fate)
@@ -180,18 +181,24 @@ QString Sentences::disobeyed(const Outcome& so_far)
 
 QString Sentences::conclusion(const QVector<Outcome>& outcomes)
 {
-    const auto is_unheard = [](const Outcome& outcome) {
-        return outcome.fate == Fate::Unheard;
-    };
-    if (std::all_of(outcomes.begin(), outcomes.end(), is_unheard))
-        return "No instrument speaks on a free port.";
     QStringList bad;
-    for (const Outcome& outcome : outcomes)
-        if (!outcome.is_good())
+    QStringList in_use;
+    bool any_spoke = false;
+    for (const Outcome& outcome : outcomes) {
+        if (outcome.fate == Fate::InUse)
+            in_use << outcome.line;
+        else if (!outcome.is_good())
             bad << outcome.line;
-    if (bad.isEmpty())
-        return "All is off.";
-    return QString("NOT all is off: see to %1 now.").arg(bad.join(", "));
+        any_spoke = any_spoke || outcome.fate == Fate::Off;
+    }
+    if (!bad.isEmpty())
+        return QString("NOT all is off: see to %1 now.").arg(bad.join(", "));
+    if (!any_spoke)
+        return "No instrument speaks on a free port.";
+    // What somebody else has in use may well be on.
+    return in_use.isEmpty() ? QString("All is off.")
+                            : QString("All that spoke on a free port is off. Still in use: %1.")
+                                  .arg(in_use.join(", "));
 }
 
 QString Sentences::frozen(const QString& program, int seconds, bool is_ended)
@@ -244,16 +251,6 @@ QString Sentences::signal_had_already(const QString& program, int signal)
 QString Sentences::no_free_port()
 {
     return "There is no free serial port.";
-}
-
-QString Sentences::no_serial_port(const QString& path)
-{
-    return path + " is no serial port of this machine.";
-}
-
-QString Sentences::not_free(const QString& line, const QString& holder)
-{
-    return QString("%1 is in use by %2 and was left alone.").arg(line, holder);
 }
 
 QString Sentences::interrupted_once(const QStringList& lines)

@@ -35,7 +35,5 @@ QString cannot_look(const QString& program);
 QString signal_passed_on(const QString& program, int signal);
 QString signal_had_already(const QString& program, int signal);
 QString no_free_port();
-QString no_serial_port(const QString& path);
-QString not_free(const QString& line, const QString& holder);
 QString interrupted_once(const QStringList& lines);
 }  // namespace Sentences

@@ -4,8 +4,15 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <unistd.h>
+
+namespace
+{
+constexpr int TRIES = 100;
+constexpr int TRY_MS = 10;
+}  // namespace
 
 SwitchingLock::SwitchingLock(const QString& lock_folder) : folder(lock_folder)
 {
@@ -25,9 +32,10 @@ void SwitchingLock::hold()
 {
     release();
     held = open_folder();
-    // A starting guard that is just looking has it for itself for a moment.
-    while (held >= 0 && ::flock(held, LOCK_SH) != 0 && errno == EINTR) {
-    }
+    // A starting guard that is just looking has it for itself for a moment. The instruments wait no longer
+    // than that for anybody.
+    for (int i = 0; held >= 0 && i < TRIES && ::flock(held, LOCK_SH | LOCK_NB) != 0; ++i)
+        ::poll(nullptr, 0, TRY_MS);
 }
 
 void SwitchingLock::release()
