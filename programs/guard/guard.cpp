@@ -53,6 +53,8 @@ Guard::Guard(const GuardOptions& guard_options, const QByteArrayList& program_wo
     connect(&signal_reader, &SignalReader::sig_signal, this, &Guard::take_signal);
     connect(&waiting, &QTimer::timeout, this, &Guard::wait_for_other_guards);
     connect(&looking, &QTimer::timeout, this, &Guard::look);
+    passing_on.setSingleShot(true);
+    connect(&passing_on, &QTimer::timeout, this, &Guard::pass_on_what_came);
 }
 
 void Guard::start()
@@ -66,7 +68,7 @@ void Guard::wait_for_other_guards()
     if (lock.is_held_by_another()) {
         // Not at the first look: another guard that starts may just be looking, too.
         if (++looks_at_lock == 2)
-            teller.tell(Sentences::waiting_for_another_guard(teller.log_path()));
+            tell_everywhere(Sentences::waiting_for_another_guard(teller.log_path()));
         return;
     }
     waiting.stop();
@@ -91,18 +93,25 @@ void Guard::start_program()
 
 void Guard::look()
 {
+    lines.look_again();
     const OpenFiles files = open_files_of(child.id, lines.roots);
-    const char state = state_of_process(child.id, lines.roots);
-    if (!files.readable && state != 'Z' && !blind) {
-        blind = true;
-        teller.tell(Sentences::cannot_look(program));
-    }
+    note_blindness(files);
     const QVector<SerialLine> before = notes.held;
     notes.take(files, lines.among(files, not_lines), lines);
-    note_changes(before);
     for (const int number : {SIGTERM, SIGHUP})
         caught[number] = caught[number] || catches_signal(child.id, number, lines.roots);
+    // Behind all that was looked up: who reads it may act on it.
+    note_changes(before);
     look_for_freezing(files);
+}
+
+void Guard::note_blindness(const OpenFiles& files)
+{
+    const bool sees = files.readable || is_ending(child.id, lines.roots);
+    if (blind || (sees && lines.can_be_told()))
+        return;
+    blind = true;
+    tell_everywhere(Sentences::cannot_look(program));
 }
 
 void Guard::note_changes(const QVector<SerialLine>& before) const
@@ -134,8 +143,7 @@ void Guard::look_for_freezing(const OpenFiles& files)
             child.send(SIGKILL);
         break;
     }
-    teller.tell(sentence);
-    teller.show_on_desktop(program, sentence);
+    tell_everywhere(sentence);
 }
 
 void Guard::take_signal(int number, bool by_system)
@@ -162,8 +170,16 @@ void Guard::take_signal(int number, bool by_system)
 void Guard::pass_on_later(int number)
 {
     ++asked[number];
-    QTimer::singleShot(clock.real_ms(PASS_ON_AFTER_MS, SHORTEST_LOOK_MS), this,
-                       [this, number] { pass_on(number); });
+    to_pass_on << number;
+    if (!passing_on.isActive())
+        passing_on.start(clock.real_ms(PASS_ON_AFTER_MS, SHORTEST_LOOK_MS));
+}
+
+void Guard::pass_on_what_came()
+{
+    for (const int number : qAsConst(to_pass_on))
+        pass_on(number);
+    to_pass_on.clear();
 }
 
 void Guard::pass_on(int number)
@@ -197,18 +213,18 @@ void Guard::switch_off(const Ending& ending)
     QStringList names;
     for (const SerialLine& line : to_switch_off + notes.lost)
         names << line.name();
+    if (names.isEmpty()) {
+        tell_that_nothing_was_held(ending);
+        QCoreApplication::exit(ending.exit_status());
+        return;
+    }
     lock.hold();
     run = std::make_unique<SwitchingRun>(lines, clock, teller, Sentences::headline(program));
     connect(run.get(), &SwitchingRun::sig_done, this, [this, ending] {
         lock.release();
         QCoreApplication::exit(ending.exit_status());
     });
-    run->tell(blind && names.isEmpty() ? Sentences::program_ended_unseen(program, ending)
-                                       : Sentences::program_ended(program, ending, names));
-    if (names.isEmpty()) {
-        QCoreApplication::exit(ending.exit_status());
-        return;
-    }
+    run->tell(Sentences::program_ended(program, ending, names));
     for (const SerialLine& line : to_switch_off)
         run->add(line);
     for (const SerialLine& line : qAsConst(notes.lost)) {
@@ -217,6 +233,21 @@ void Guard::switch_off(const Ending& ending)
         run->take_outcome(outcome);
     }
     run->start();
+}
+
+void Guard::tell_that_nothing_was_held(const Ending& ending) const
+{
+    if (blind)
+        tell_everywhere(Sentences::program_ended_unseen(program, ending));
+    else
+        teller.tell(Sentences::program_ended(program, ending, {}));
+}
+
+/** Also to whoever has started the program from a menu and sees neither terminal nor log. */
+void Guard::tell_everywhere(const QString& sentence) const
+{
+    teller.tell(sentence);
+    teller.show_on_desktop(Sentences::headline(program), sentence);
 }
 
 /** Those noted, and one that was opened between the last look and the end: its lock file tells. */
