@@ -1,11 +1,13 @@
 #include "guard_bench.h"
 
+#include "programs/common/open_files.h"
+
 #include "support/test_files.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <csignal>
 #include <grp.h>
 #include <sys/prctl.h>
@@ -28,9 +30,17 @@ void copy_programs()
     copies = std::make_unique<QTemporaryDir>();
     for (const char* program : {KEST_GUARD, KEST_GUARDED_PROGRAM, KEST_SIMULATOR})
         QFile::copy(program, copies->filePath(QFileInfo(program).fileName()));
-    QFile::setPermissions(copies->path(), QFile::Permissions(0x7755));
+    // The one who runs them takes them away, too.
+    if (::chown(QFile::encodeName(copies->path()).constData(), NOBODY, NOBODY) != 0)
+        qFatal("Root cannot give a folder away.");
 }
 }  // namespace
+
+void hear_all_signals()
+{
+    for (const int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM})
+        std::signal(number, SIG_DFL);
+}
 
 void become_the_user_asked_for()
 {
@@ -40,7 +50,6 @@ void become_the_user_asked_for()
     if (::setgroups(0, nullptr) != 0 || ::setresgid(NOBODY, NOBODY, NOBODY) != 0 ||
         ::setresuid(NOBODY, NOBODY, NOBODY) != 0)
         qFatal("Root cannot become an ordinary user.");
-    copies->setAutoRemove(false);
     // A change of user forbids tracing, and the leak checker traces its own process at the end.
     ::prctl(PR_SET_DUMPABLE, 1);
 }
@@ -60,92 +69,6 @@ QString simulator_program()
     return program_at(KEST_SIMULATOR);
 }
 
-Instrument::Instrument(const QString& record_path, const QStringList& options)
-    : record_file(record_path)
-{
-    process.start(simulator_program(),
-                  QStringList{"--exit-with-stdin", "--record", record_path} + options);
-    while (!process.canReadLine() && process.waitForReadyRead(PATIENCE_MS)) {
-    }
-    path = QString::fromLocal8Bit(process.readLine()).trimmed();
-}
-
-Instrument::~Instrument()
-{
-    process.closeWriteChannel();
-    process.waitForFinished(PATIENCE_MS);
-}
-
-QByteArray Instrument::port() const
-{
-    return path.mid(5).toLocal8Bit();
-}
-
-void Instrument::set_fault(const QByteArray& words)
-{
-    process.write(words + "\n");
-    process.waitForBytesWritten(PATIENCE_MS);
-}
-
-QString Instrument::next_path()
-{
-    while (!process.canReadLine() && process.waitForReadyRead(PATIENCE_MS)) {
-    }
-    return QString::fromLocal8Bit(process.readLine()).trimmed();
-}
-
-void Instrument::stop() const
-{
-    ::kill(pid_t(process.processId()), SIGSTOP);
-}
-
-void Instrument::go_on() const
-{
-    ::kill(pid_t(process.processId()), SIGCONT);
-}
-
-QVector<Instrument::Row> Instrument::record() const
-{
-    QVector<Row> rows;
-    for (const QByteArray& line : content_of(record_file).split('\n')) {
-        const QList<QByteArray> columns = line.split('\t');
-        if (columns.size() == 3)
-            rows.append({columns[0].toLongLong(), columns[1].at(0), columns[2]});
-    }
-    return rows;
-}
-
-QByteArray Instrument::story() const
-{
-    QByteArrayList words;
-    for (const Row& row : record())
-        words << row.what;
-    return words.join(' ');
-}
-
-bool Instrument::comes_to(const QByteArray& end) const
-{
-    return QTest::qWaitFor([this, &end] { return story().endsWith(end); }, PATIENCE_MS);
-}
-
-char Instrument::state() const
-{
-    const QVector<Row> rows = record();
-    return rows.isEmpty() ? 'O' : rows.last().state;
-}
-
-qint64 Instrument::lines_until_told_off() const
-{
-    qint64 let_go = -1;
-    for (const Row& row : record()) {
-        if (let_go < 0 && row.what == "closed")
-            let_go = row.lines;
-        if (let_go >= 0 && row.what == "4F")
-            return row.lines - let_go;
-    }
-    return -1;
-}
-
 GuardBench::GuardBench() : environment(QProcessEnvironment::systemEnvironment())
 {
     environment.insert("HOME", folder.path());
@@ -153,12 +76,14 @@ GuardBench::GuardBench() : environment(QProcessEnvironment::systemEnvironment())
     environment.insert("XDG_DATA_HOME", folder.filePath("data"));
     environment.insert("XDG_CONFIG_HOME", folder.filePath("config"));
     environment.insert("XDG_RUNTIME_DIR", folder.path());
+    environment.insert("TMPDIR", folder.path());
     environment.remove("DBUS_SESSION_BUS_ADDRESS");
 }
 
 GuardBench::~GuardBench()
 {
-    if (program > 0 && guard.state() == QProcess::Running)
+    signal_guard(SIGCONT);
+    if (guard.state() == QProcess::Running)
         kill_program();
     guard.closeWriteChannel();
     if (guard.state() != QProcess::NotRunning && !guard.waitForFinished(PATIENCE_MS))
@@ -169,7 +94,8 @@ GuardBench::~GuardBench()
 Instrument& GuardBench::add_instrument(const QStringList& options)
 {
     const QString number = QString::number(instruments.size());
-    const QStringList usual = {"--id", QString::number(7 + int(instruments.size())), "--rate", "2"};
+    const QStringList usual = {"--id", QString::number(7 + int(instruments.size())), "--rate",
+                               "20"};
     instruments.push_back(
         std::make_unique<Instrument>(folder.filePath("record" + number), usual + options));
     return *instruments.back();
@@ -255,16 +181,75 @@ bool GuardBench::log_has(const QByteArray& text) const
     return QTest::qWaitFor([this, &text] { return log().contains(text); }, PATIENCE_MS);
 }
 
-void GuardBench::kill_program(int signal) const
+bool SwitchingBench::begin()
 {
-    ::kill(program, signal);
+    add_instrument();
+    if (!start() || !hold_all())
+        return false;
+    instruments[0]->set_fault("ignore-commands");
+    kill_program();
+    return guard_says(" does not obey: ");
 }
 
-bool GuardBench::ends_with(int status)
+QByteArray without_haste(const QByteArray& said)
+{
+    static const QRegularExpression haste(" was still \\w+; it is off since \\d\\d:\\d\\d:\\d\\d:");
+    return QString::fromUtf8(said).replace(haste, " is off:").toUtf8();
+}
+
+void GuardBench::kill_program(int signal) const
+{
+    signal_process(program, signal);
+}
+
+void GuardBench::signal_guard(int signal) const
+{
+    signal_process(guard.processId(), signal);
+}
+
+bool GuardBench::is_an_instrument_s(const QString& path) const
+{
+    return std::any_of(instruments.begin(), instruments.end(),
+                       [&path](const auto& instrument) { return instrument->path == path; });
+}
+
+bool GuardBench::stop_guard_between_looks() const
+{
+    const SystemRoots roots;
+    const pid_t process = pid_t(guard.processId());
+    return QTest::qWaitFor(
+        [this, &roots, process] {
+            signal_guard(SIGSTOP);
+            if (state_of_process(process, roots) != 'T')
+                return false;
+            const OpenFiles files = open_files_of(process, roots);
+            const bool between =
+                std::none_of(files.devices.begin(), files.devices.end(),
+                             [this](const auto& file) { return is_an_instrument_s(file.path); });
+            if (!between)
+                signal_guard(SIGCONT);
+            return between;
+        },
+        PATIENCE_MS);
+}
+
+bool GuardBench::ends()
 {
     if (guard.state() != QProcess::NotRunning && !guard.waitForFinished(PATIENCE_MS))
         return false;
     said += guard.readAllStandardError();
+    return true;
+}
+
+bool GuardBench::ends_all_off()
+{
+    return ends_with(128 + SIGKILL) && said.endsWith("kest-guard: All is off.\n");
+}
+
+bool GuardBench::ends_with(int status)
+{
+    if (!ends())
+        return false;
     if (guard.exitStatus() == QProcess::NormalExit && guard.exitCode() == status)
         return true;
     qWarning("The guard ended with %d: %s", guard.exitCode(), said.constData());

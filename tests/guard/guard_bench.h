@@ -1,5 +1,6 @@
 #pragma once
 
+#include "instrument.h"
 #include "support/test_program.h"
 
 #include <QProcess>
@@ -9,45 +10,8 @@
 #include <memory>
 #include <vector>
 
-constexpr int PATIENCE_MS =
-    120000;  // a limit for what has gone wrong; nothing waits for it to pass
-
-/** A simulated instrument in a process of its own, and its record of what it was told. */
-class Instrument
-{
-public:
-    struct Row
-    {
-        qint64 lines;
-        char state;
-        QByteArray what;
-    };
-
-    Instrument(const QString& record_path, const QStringList& options);
-    ~Instrument();
-
-    QVector<Row> record() const;
-    /** "opened 44 closed opened 4F closed": all that happened, in order. */
-    QByteArray story() const;
-    /** Returns when the story ends so; false if it does not come to that. */
-    bool comes_to(const QByteArray& end) const;
-    char state() const;
-    /** Lines between the first time that it was let go and the first "O" behind that; -1 if none. */
-    qint64 lines_until_told_off() const;
-    void set_fault(const QByteArray& words);
-    /** The path of the port that has come in place of the first one. */
-    QString next_path();
-    /** Stops the instrument's own process, and lets it go on. */
-    void stop() const;
-    void go_on() const;
-
-    QString path;  ///< "/dev/pts/3"
-    QByteArray port() const;
-
-private:
-    QProcess process;
-    QString record_file;
-};
+/** For a guard that is waited for: its seconds pass in a quarter of their time. */
+const QStringList QUICK = {"--speed", "4"};
 
 /** A guard with a program that obeys a test, and as many instruments as wanted. */
 class GuardBench
@@ -74,7 +38,14 @@ public:
     bool log_has(const QByteArray& text) const;
     QByteArray log() const;
     void kill_program(int signal = SIGKILL) const;
+    void signal_guard(int signal) const;
+    /** Stops the guard between two looks: in the middle of one it has a part in what the program holds. */
+    bool stop_guard_between_looks() const;
+    /** Waits until the guard has ended; false if it never does. */
+    bool ends();
     bool ends_with(int status);
+    /** The same for a kill -9, with the word that all is off. */
+    bool ends_all_off();
 
     QTemporaryDir folder;
     std::vector<std::unique_ptr<Instrument>> instruments;
@@ -86,21 +57,34 @@ public:
 
 private:
     bool hear_of_program();
+    bool is_an_instrument_s(const QString& path) const;
 };
+
+/** A bench whose one instrument goes on discharging, so that its guard is switching off. */
+struct SwitchingBench : GuardBench
+{
+    bool begin();
+};
+
+/** "is off" also of an instrument that had time for a line before it was told, and "was still discharging". */
+QByteArray without_haste(const QByteArray& said);
 
 /** Where the programs under test are; copies, if the user of the test may not enter their folder. */
 QString guard_program();
 QString guarded_program();
-QString simulator_program();
 
 /** Runs a class of tests as the user that the environment asks for. */
 template <typename Tests> int run_guard_tests(int argc, char** argv);
+
+/** Undoes what a shell does for a job in the background, which is deaf to Ctrl-C: programs inherit it. */
+void hear_all_signals();
 
 /** Becomes an ordinary user for good if the environment asks for that and this is root. */
 void become_the_user_asked_for();
 
 template <typename Tests> int run_guard_tests(int argc, char** argv)
 {
+    hear_all_signals();
     become_the_user_asked_for();
     return run_tests<QCoreApplication, Tests>(argc, argv);
 }

@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstdio>
 #include <memory>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -62,21 +63,41 @@ void die_for_want_of_memory()
         hoard.push_back(std::make_unique<char[]>(1 << 24));
 }
 
+/** Reads nothing and does nothing, but does not outlive the test. */
+[[noreturn]] void wait_for_the_end_of_orders()
+{
+    pollfd orders = {STDIN_FILENO, 0, 0};
+    ::poll(&orders, 1, -1);
+    std::_Exit(0);
+}
+
 void leave_a_fork_behind()
 {
     if (const pid_t fork_id = ::fork(); fork_id > 0) {
         say("fork " + QByteArray::number(fork_id));
         return;
     }
-    for (;;)
-        ::pause();
+    wait_for_the_end_of_orders();
 }
 
 void freeze()
 {
     say("frozen");
-    for (;;)
-        ::pause();
+    wait_for_the_end_of_orders();
+}
+
+void say_that_it_was_heard(int)
+{
+    static_cast<void>(!::write(STDOUT_FILENO, "heard\n", 6));
+}
+
+/** As the application does: the first signal of a kind is heard, the second is the system's. */
+void hear_once(int signal, void (*handler)(int))
+{
+    struct sigaction hearing = {};
+    hearing.sa_handler = handler;
+    hearing.sa_flags = SA_RESETHAND;
+    ::sigaction(signal, &hearing, nullptr);
 }
 
 KestrometerState state_of(const QByteArray& letter)
@@ -168,7 +189,10 @@ void obey(const QByteArray& line)
         leave_a_fork_behind();
     else if (order == "freeze")
         freeze();
-    else if (order == "half-a-reset") {
+    else if (order == "linger") {
+        hear_once(SIGHUP, say_that_it_was_heard);
+        say("lingers");
+    } else if (order == "half-a-reset") {
         send(RESET_COMMAND.left(4));
         say("half sent");
     } else if (order == "bootloader")
@@ -197,11 +221,7 @@ void end_well(int)
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
-    // As the application does: the first signal closes, the second is the system's.
-    struct sigaction closing = {};
-    closing.sa_handler = end_well;
-    closing.sa_flags = SA_RESETHAND;
-    ::sigaction(SIGHUP, &closing, nullptr);
+    hear_once(SIGHUP, end_well);
     QSocketNotifier orders(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&orders, &QSocketNotifier::activated, &orders, read_orders);
     say("process " + QByteArray::number(::getpid()) + " " + QByteArray(argv[0]));

@@ -116,7 +116,7 @@ void GuardOptionsTest::the_manual_is_well_formed()
 {
     QProcess man;
     man.start("man", {"--warnings", "--local-file", source_file("docs/man/kest-guard.1")});
-    QVERIFY(man.waitForFinished());
+    QVERIFY(man.waitForFinished(120000));
     QCOMPARE(man.exitCode(), 0);
     QCOMPARE(man.readAllStandardError(), QByteArray());
 }

@@ -59,11 +59,9 @@ void KestGuardTest::killed_in_a_phase()
     QCOMPARE(bench.program_says("ready "), instrument.port());
     QTRY_COMPARE_WITH_TIMEOUT(instrument.state(), state, PATIENCE_MS);
     bench.kill_program();
-    QVERIFY(bench.ends_with(128 + SIGKILL));
-    QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
+    QVERIFY2(bench.ends_all_off(), bench.said);
     QVERIFY(instrument.comes_to("closed opened 4F closed"));
     QCOMPARE(instrument.state(), 'O');
-    QVERIFY2(instrument.lines_until_told_off() <= 3, instrument.story());
 }
 
 void KestGuardTest::death_data()
@@ -87,14 +85,13 @@ void KestGuardTest::death()
     QVERIFY(bench.start());
     QVERIFY(bench.hold_all());
     bench.order(order);
-    QVERIFY(bench.guard.waitForFinished(PATIENCE_MS));
+    QVERIFY(bench.ends());
     QVERIFY2(statuses.contains(bench.guard.exitCode()),
              qPrintable(QString::number(bench.guard.exitCode())));
     QVERIFY(bench.ends_with(bench.guard.exitCode()));
     QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
     QVERIFY(instrument.comes_to("opened 44 closed opened 4F closed"));
     QCOMPARE(instrument.state(), 'O');
-    QVERIFY2(instrument.lines_until_told_off() <= 3, instrument.story());
 }
 
 void KestGuardTest::the_display_dies()
@@ -114,6 +111,9 @@ void KestGuardTest::the_display_dies()
     QVERIFY(bench.hold_all());
     display.kill();
     QVERIFY(display.waitForFinished(PATIENCE_MS));
+    // Killed, it leaves behind what would be in another user's way.
+    QFile::remove("/tmp/.X" + number + "-lock");
+    QFile::remove("/tmp/.X11-unix/X" + number);
     QVERIFY(bench.ends_with(1));
     QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
     QVERIFY(instrument.comes_to("closed opened 4F closed"));
@@ -128,12 +128,10 @@ void KestGuardTest::sixteen_stations_are_switched_off_at_once()
     QVERIFY(bench.start());
     QVERIFY(bench.hold_all());
     bench.kill_program();
-    QVERIFY(bench.ends_with(128 + SIGKILL));
-    QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
+    QVERIFY2(bench.ends_all_off(), bench.said);
     for (const auto& instrument : bench.instruments) {
         QVERIFY(instrument->comes_to("opened 44 closed opened 4F closed"));
         QCOMPARE(instrument->state(), 'O');
-        QVERIFY2(instrument->lines_until_told_off() <= 4, instrument->story());
     }
 }
 
@@ -152,7 +150,7 @@ void KestGuardTest::a_port_that_was_closed_before_is_left_alone()
     GuardBench bench;
     Instrument& kept = bench.add_instrument();
     Instrument& closed = bench.add_instrument();
-    QVERIFY(bench.start());
+    QVERIFY(bench.start(QUICK));
     QVERIFY(bench.hold_all());
     QVERIFY(bench.log_has("holds " + closed.port()));
     bench.order("close " + closed.port());
@@ -178,7 +176,7 @@ void KestGuardTest::a_port_that_was_never_held_is_left_alone()
 void KestGuardTest::the_log_tells_the_whole_story()
 {
     GuardBench bench;
-    const QByteArray port = bench.add_instrument({"--capacity", "100000"}).port();
+    const QByteArray port = bench.add_instrument({"--capacity", "100000", "--rate", "4"}).port();
     QVERIFY(bench.start());
     QVERIFY(bench.hold_all());
     QVERIFY(bench.log_has("holds " + port));
@@ -202,9 +200,9 @@ void KestGuardTest::the_log_tells_the_whole_story()
         from_log += line.mid(line.indexOf(' ') + 1) + "\n";
     }
     const QByteArray process = QByteArray::number(bench.program);
-    QCOMPARE(from_log, "guarded-program started (process " + process +
-                           ").\nguarded-program holds " + port + ".\n" + told);
-    QCOMPARE(bench.said.replace("kest-guard: ", ""), told);
+    QCOMPARE(without_haste(from_log), "guarded-program started (process " + process +
+                                          ").\nguarded-program holds " + port + ".\n" + told);
+    QCOMPARE(without_haste(bench.said).replace("kest-guard: ", ""), told);
 }
 
 void KestGuardTest::the_program_gets_its_own_name_and_arguments()
@@ -240,6 +238,8 @@ void KestGuardTest::what_cannot_be_started_is_told()
     QFETCH(int, status);
     QFETCH(QByteArray, text);
     GuardBench bench;
+    // Where one folder may not be searched, the system does not say that the program is not there.
+    bench.environment.insert("PATH", "/usr/bin:/bin");
     bench.start_with({program});
     QVERIFY(bench.ends_with(status));
     QCOMPARE(bench.said, "kest-guard: " + text + "\n");

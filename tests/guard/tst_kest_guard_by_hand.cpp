@@ -2,6 +2,8 @@
 
 #include "guard/off_run.h"
 
+#include "support/test_files.h"
+
 #include <QSerialPort>
 
 #include <unistd.h>
@@ -31,7 +33,7 @@ int switch_all_off(const QStringList& ports)
     GuardOptions options;
     options.off = true;
     options.all = true;
-    options.speed = 10.0;
+    options.speed = 2.0;
     int status = 0;
     {
         OffRun run(options, ports, descriptors[0]);
@@ -74,13 +76,12 @@ void KestGuardByHandTest::initTestCase()
 void KestGuardByHandTest::a_port_is_switched_off()
 {
     GuardBench bench;
-    Instrument& instrument = bench.add_instrument({"--capacity", "100000"});
+    Instrument& instrument = bench.add_instrument({"--capacity", "100000", "--rate", "4"});
     QVERIFY(leave_in_state(instrument, "D"));
     bench.start_with({"--off", instrument.port()});
     QVERIFY(bench.ends_with(0));
-    const QByteArray is_off = "kest-guard: Instrument 7 on " + instrument.port();
-    QVERIFY2(bench.said.startsWith(is_off), bench.said);
-    QVERIFY2(bench.said.endsWith(": 22.32 V, 0.0 A.\nkest-guard: All is off.\n"), bench.said);
+    QCOMPARE(without_haste(bench.said), "kest-guard: Instrument 7 on " + instrument.port() +
+                                            " is off: 22.32 V, 0.0 A.\nkest-guard: All is off.\n");
     QVERIFY(instrument.comes_to("opened 44 closed opened 4F closed"));
     QCOMPARE(instrument.state(), 'O');
 }
@@ -107,11 +108,14 @@ void KestGuardByHandTest::what_is_no_port_is_told()
     QVERIFY(bench.ends_with(1));
     QVERIFY2(bench.said.startsWith("kest-guard: /dev/ttyNONE is no serial port of this machine.\n"),
              bench.said);
+    QVERIFY2(bench.said.endsWith("kest-guard: NOT all is off: see to /dev/ttyNONE now.\n"),
+             bench.said);
     QVERIFY(instrument.comes_to("opened 4F closed"));
     GuardBench alone;
     alone.start_with({"--off", "/dev/null"});
     QVERIFY(alone.ends_with(1));
-    QCOMPARE(alone.said, QByteArray("kest-guard: /dev/null is no serial port of this machine.\n"));
+    QCOMPARE(alone.said, QByteArray("kest-guard: /dev/null is no serial port of this machine.\n"
+                                    "kest-guard: NOT all is off: see to /dev/null now.\n"));
 }
 
 void KestGuardByHandTest::a_port_that_is_in_use_is_left_alone()
@@ -121,7 +125,7 @@ void KestGuardByHandTest::a_port_that_is_in_use_is_left_alone()
     QProcess other;
     other.start("sh", {"-c", "exec 5<>" + instrument.path + "; echo up; read x"});
     QVERIFY(other.waitForReadyRead(PATIENCE_MS));
-    bench.start_with({"--off", "--speed", "10", instrument.port()});
+    bench.start_with({"--off", instrument.port()});
     QVERIFY(bench.ends_with(1));
     QCOMPARE(bench.said,
              "kest-guard: " + instrument.port() + " is held by sh (process " +
@@ -137,7 +141,7 @@ void KestGuardByHandTest::a_port_that_is_in_use_is_left_alone()
 void KestGuardByHandTest::of_all_ports_those_are_switched_off_where_an_instrument_speaks()
 {
     GuardBench bench;
-    Instrument& ours = bench.add_instrument({"--rate", "1", "--speed", "10"});
+    Instrument& ours = bench.add_instrument();
     Instrument& silent = bench.add_instrument({"--fault", "silence 100000"});
     Instrument& foreign = bench.add_instrument({"--fault", "garbage forever"});
     Instrument& used = bench.add_instrument();
@@ -146,6 +150,13 @@ void KestGuardByHandTest::of_all_ports_those_are_switched_off_where_an_instrumen
     other.start("sh", {"-c", "exec 5<>" + used.path + "; echo up; read x"});
     QVERIFY(other.waitForReadyRead(PATIENCE_MS));
     QCOMPARE(switch_all_off({ours.path, silent.path, foreign.path, used.path, "/dev/ttyNONE"}), 0);
+    const QByteArray log = content_of(folder.filePath("kest-guard/kest-guard.log"));
+    QVERIFY2(log.contains(" " + used.port() + " is in use by sh (process " +
+                          QByteArray::number(other.processId()) + ") and was left alone.\n"),
+             log);
+    QVERIFY2(
+        log.endsWith(" All that spoke on a free port is off. Still in use: " + used.port() + ".\n"),
+        log);
     QVERIFY(ours.comes_to("opened 44 closed opened 4F closed"));
     QCOMPARE(ours.state(), 'O');
     QVERIFY(silent.comes_to("closed"));

@@ -29,6 +29,30 @@ public:
 
     QList<QVariantList> shown;
 };
+
+/** A desktop on a bus of its own. */
+struct Session
+{
+    Session() : connection(QDBusConnection::connectToBus(bus.address, NAME))
+    {
+        ready = connection.registerVirtualObject("/org/freedesktop/Notifications", &desktop) &&
+                connection.registerService("org.freedesktop.Notifications");
+    }
+    ~Session()
+    {
+        QDBusConnection::disconnectFromBus(NAME);
+    }
+    bool is_shown_something() const
+    {
+        return QTest::qWaitFor([this] { return !desktop.shown.isEmpty(); }, PATIENCE_MS);
+    }
+
+    static constexpr const char* NAME = "desktop";
+    const PrivateBus bus;
+    Desktop desktop;
+    QDBusConnection connection;
+    bool ready = false;
+};
 }  // namespace
 
 /** What the desktop is told. */
@@ -38,39 +62,56 @@ class KestGuardDesktopTest : public QObject
 
 private slots:
     void the_morning_finds_a_notice();
+    void who_starts_the_program_too_early_is_told();
     void a_bus_that_does_not_answer_holds_nobody_up();
 };
 
 void KestGuardDesktopTest::the_morning_finds_a_notice()
 {
-    const PrivateBus bus;
-    QVERIFY(!bus.address.isEmpty());
-    QDBusConnection connection = QDBusConnection::connectToBus(bus.address, "desktop");
-    Desktop desktop;
-    QVERIFY(connection.registerVirtualObject("/org/freedesktop/Notifications", &desktop));
-    QVERIFY(connection.registerService("org.freedesktop.Notifications"));
+    const Session session;
+    QVERIFY(session.ready);
     GuardBench bench;
-    bench.environment.insert("DBUS_SESSION_BUS_ADDRESS", bus.address);
-    const QByteArray port = bench.add_instrument({"--capacity", "100000"}).port();
+    bench.environment.insert("DBUS_SESSION_BUS_ADDRESS", session.bus.address);
+    const QByteArray port = bench.add_instrument({"--capacity", "100000", "--rate", "4"}).port();
     QVERIFY(bench.start());
     QVERIFY(bench.hold_all());
     bench.kill_program();
-    QVERIFY(QTest::qWaitFor([&] { return !desktop.shown.isEmpty(); }, PATIENCE_MS));
+    QVERIFY(session.is_shown_something());
     QVERIFY(bench.ends_with(128 + SIGKILL));
-    QCOMPARE(desktop.shown.size(), 1);
-    const QVariantList notice = desktop.shown.first();
+    QCOMPARE(session.desktop.shown.size(), 1);
+    const QVariantList notice = session.desktop.shown.first();
     QCOMPARE(notice.size(), 8);
     QCOMPARE(notice[0].toString(), QString("Kest Battery Tester"));
     const QRegularExpression headline(
         "^guarded-program, \\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d: All is off\\.$");
     QVERIFY2(headline.match(notice[3].toString()).hasMatch(), qPrintable(notice[3].toString()));
-    QCOMPARE(notice[4].toString(),
+    QCOMPARE(QString(without_haste(notice[4].toString().toUtf8())),
              QString("guarded-program was killed (signal 9: by somebody, or by the system because "
                      "memory ran out) while it held %1. Switching off what is there.\n"
                      "Instrument 7 on %1 is off: 22.32 V, 0.0 A.")
                  .arg(QString(port)));
     QCOMPARE(notice[7].toInt(), 0);
-    QDBusConnection::disconnectFromBus("desktop");
+}
+
+void KestGuardDesktopTest::who_starts_the_program_too_early_is_told()
+{
+    const Session session;
+    QVERIFY(session.ready);
+    SwitchingBench first;
+    QVERIFY(first.begin());
+    GuardBench second;
+    second.environment = first.environment;
+    second.environment.insert("DBUS_SESSION_BUS_ADDRESS", session.bus.address);
+    second.start_with({"--", guarded_program()});
+    QVERIFY(session.is_shown_something());
+    const QString text = session.desktop.shown.first().value(4).toString();
+    QVERIFY2(text.startsWith("Another kest-guard is still switching instruments off; the program "
+                             "starts when it is done."),
+             qPrintable(text));
+    second.signal_guard(SIGTERM);
+    QVERIFY(second.ends_with(128 + SIGTERM));
+    first.instruments[0]->set_fault("clear");
+    QVERIFY2(first.ends_all_off(), first.said);
 }
 
 void KestGuardDesktopTest::a_bus_that_does_not_answer_holds_nobody_up()

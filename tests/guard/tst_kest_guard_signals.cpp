@@ -1,28 +1,6 @@
 #include "guard_bench.h"
 
-#include <unistd.h>
-
-namespace
-{
-pid_t process_of(const GuardBench& bench)
-{
-    return pid_t(bench.guard.processId());
-}
-
-/** A bench whose one instrument goes on discharging, so that its guard is switching off. */
-struct SwitchingBench : GuardBench
-{
-    bool begin()
-    {
-        add_instrument();
-        if (!start() || !hold_all())
-            return false;
-        instruments[0]->set_fault("ignore-commands");
-        kill_program();
-        return guard_says(" does not obey: ");
-    }
-};
-}  // namespace
+#include <QDir>
 
 /** Signals, other guards, and programs that stop, freeze or are started again. */
 class KestGuardSignalsTest : public QObject
@@ -40,6 +18,7 @@ private slots:
     void the_next_start_finds_nothing_in_its_way();
     void a_second_guard_waits_for_the_first();
     void a_guard_that_waits_is_ended_by_a_signal();
+    void a_start_waits_for_what_is_switched_off_by_hand();
     void a_bare_start_finds_the_port_busy_and_disturbs_nobody();
     void two_guards_have_nothing_to_do_with_each_other();
     void a_stopped_program_is_told_of_and_let_be();
@@ -62,9 +41,9 @@ void KestGuardSignalsTest::a_signal_is_passed_on()
     QFETCH(int, status);
     GuardBench bench;
     Instrument& instrument = bench.add_instrument();
-    QVERIFY(bench.start());
+    QVERIFY(bench.start(QUICK));
     QVERIFY(bench.hold_all());
-    ::kill(process_of(bench), signal);
+    bench.signal_guard(signal);
     QVERIFY(bench.ends_with(status));
     QVERIFY(bench.log().contains("Signal " + QByteArray::number(signal) + " is passed on to "));
     QVERIFY(instrument.comes_to("closed"));
@@ -74,19 +53,16 @@ void KestGuardSignalsTest::a_signal_is_passed_on()
 void KestGuardSignalsTest::a_signal_that_the_program_has_had_is_not_passed_on()
 {
     GuardBench bench;
-    Instrument& instrument = bench.add_instrument();
-    bench.start_with({"--", "sh", "-c",
-                      "trap 'trap - HUP; echo heard' HUP; exec 5<>$0; echo process $$ sh; "
-                      "while read -r order; do $order; done",
-                      instrument.path});
-    bench.program = bench.program_says("process ").split(' ').first().toInt();
-    QVERIFY(bench.program > 0);
+    bench.add_instrument();
+    QVERIFY(bench.start(QUICK));
+    bench.order("linger");
+    QCOMPARE(bench.program_says("lingers"), QByteArray());
+    QVERIFY(bench.hold_all("-"));
     // Whoever ends a session signals all of its processes; the guard has looked at this one before.
-    QVERIFY(bench.log_has("sh holds "));
-    ::kill(bench.program, SIGHUP);
-    bench.order("true");
-    QVERIFY(!bench.program_says("hear").isEmpty());
-    ::kill(process_of(bench), SIGHUP);
+    QVERIFY(bench.log_has("guarded-program holds "));
+    bench.kill_program(SIGHUP);
+    QCOMPARE(bench.program_says("hea"), QByteArray("rd"));
+    bench.signal_guard(SIGHUP);
     QVERIFY(bench.log_has(" has had signal 1 itself."));
     bench.order("exit 0");
     QVERIFY(bench.ends_with(0));
@@ -95,15 +71,12 @@ void KestGuardSignalsTest::a_signal_that_the_program_has_had_is_not_passed_on()
 void KestGuardSignalsTest::a_second_signal_of_a_kind_is_passed_on_all_the_same()
 {
     GuardBench bench;
-    bench.start_with({"--", "sh", "-c",
-                      "trap 'trap - HUP; echo heard' HUP; echo process $$ sh; "
-                      "while :; do read -r order; done"});
-    bench.program = bench.program_says("process ").split(' ').first().toInt();
-    QVERIFY(bench.program > 0);
-    ::kill(process_of(bench), SIGHUP);
-    QVERIFY(bench.log_has("Signal 1 is passed on to "));
-    bench.order("now");
-    ::kill(process_of(bench), SIGHUP);
+    QVERIFY(bench.start(QUICK));
+    bench.order("linger");
+    QCOMPARE(bench.program_says("lingers"), QByteArray());
+    bench.signal_guard(SIGHUP);
+    QCOMPARE(bench.program_says("hea"), QByteArray("rd"));
+    bench.signal_guard(SIGHUP);
     QVERIFY(bench.ends_with(128 + SIGHUP));
 }
 
@@ -111,9 +84,9 @@ void KestGuardSignalsTest::ctrl_c_is_the_program_s_own_affair()
 {
     GuardBench bench;
     QVERIFY(bench.start());
-    ::kill(process_of(bench), SIGINT);
-    ::kill(process_of(bench), SIGINT);
-    ::kill(process_of(bench), SIGQUIT);
+    bench.signal_guard(SIGINT);
+    bench.signal_guard(SIGINT);
+    bench.signal_guard(SIGQUIT);
     bench.order("exit 0");
     QVERIFY(bench.ends_with(0));
 }
@@ -123,14 +96,14 @@ void KestGuardSignalsTest::only_ctrl_c_twice_ends_a_guard_that_switches_off()
     SwitchingBench bench;
     QVERIFY(bench.begin());
     const QByteArray port = bench.instruments[0]->port();
-    ::kill(process_of(bench), SIGTERM);
-    ::kill(process_of(bench), SIGHUP);
-    ::kill(process_of(bench), SIGTERM);
-    ::kill(process_of(bench), SIGINT);
+    bench.signal_guard(SIGTERM);
+    bench.signal_guard(SIGHUP);
+    bench.signal_guard(SIGTERM);
+    bench.signal_guard(SIGINT);
     QVERIFY(bench.guard_says("kest-guard: Still switching off: " + port +
                              ". Ctrl-C once more leaves it as it is.\n"));
     QCOMPARE(bench.guard.state(), QProcess::Running);
-    ::kill(process_of(bench), SIGINT);
+    bench.signal_guard(SIGINT);
     QVERIFY(bench.ends_with(128 + SIGKILL));
     QVERIFY2(bench.said.contains("kest-guard: " + port +
                                  " was left as it is, as Ctrl-C asked. Instrument 7 on " + port +
@@ -145,8 +118,8 @@ void KestGuardSignalsTest::a_guard_that_dies_leaves_the_program_alone()
     Instrument& instrument = bench.add_instrument();
     QVERIFY(bench.start());
     QVERIFY(bench.hold_all());
-    ::kill(process_of(bench), SIGKILL);
-    QVERIFY(bench.guard.waitForFinished(PATIENCE_MS));
+    bench.signal_guard(SIGKILL);
+    QVERIFY(bench.ends());
     QCOMPARE(::kill(bench.program, 0), 0);
     bench.kill_program();
     QVERIFY(instrument.comes_to("closed"));
@@ -158,8 +131,8 @@ void KestGuardSignalsTest::the_next_start_finds_nothing_in_its_way()
     SwitchingBench killed;
     QVERIFY(killed.begin());
     Instrument& instrument = *killed.instruments[0];
-    ::kill(process_of(killed), SIGKILL);
-    QVERIFY(killed.guard.waitForFinished(PATIENCE_MS));
+    killed.signal_guard(SIGKILL);
+    QVERIFY(killed.ends());
     QVERIFY(instrument.comes_to("closed"));
     instrument.set_fault("clear");
     GuardBench next;
@@ -168,8 +141,7 @@ void KestGuardSignalsTest::the_next_start_finds_nothing_in_its_way()
     next.order("hold " + instrument.port() + " C");
     QCOMPARE(next.program_says("ready "), instrument.port());
     next.kill_program();
-    QVERIFY(next.ends_with(128 + SIGKILL));
-    QVERIFY2(next.said.endsWith("kest-guard: All is off.\n"), next.said);
+    QVERIFY2(next.ends_all_off(), next.said);
     QVERIFY(instrument.comes_to("opened 43 closed opened 4F closed"));
     QCOMPARE(QDir(killed.folder.filePath("state/kest-guard"))
                  .entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
@@ -194,8 +166,7 @@ void KestGuardSignalsTest::a_second_guard_waits_for_the_first()
     QVERIFY(second.program > 0);
     second.order("hold " + instrument.port() + " D");
     QCOMPARE(second.program_says("ready "), instrument.port());
-    QVERIFY(first.ends_with(128 + SIGKILL));
-    QVERIFY2(first.said.endsWith("kest-guard: All is off.\n"), first.said);
+    QVERIFY2(first.ends_all_off(), first.said);
     QVERIFY(instrument.story().endsWith("closed opened 44"));
     second.order("exit 0");
     QVERIFY(second.ends_with(0));
@@ -209,10 +180,30 @@ void KestGuardSignalsTest::a_guard_that_waits_is_ended_by_a_signal()
     second.environment = first.environment;
     second.start_with({"--", guarded_program()});
     QVERIFY(second.guard_says("kest-guard: Another kest-guard "));
-    ::kill(process_of(second), SIGTERM);
+    second.signal_guard(SIGTERM);
     QVERIFY(second.ends_with(128 + SIGTERM));
     first.instruments[0]->set_fault("clear");
     QVERIFY(first.ends_with(128 + SIGKILL));
+}
+
+void KestGuardSignalsTest::a_start_waits_for_what_is_switched_off_by_hand()
+{
+    GuardBench by_hand;
+    Instrument& instrument = by_hand.add_instrument();
+    instrument.set_fault("ignore-commands");
+    instrument.set_fault("stuck-state D forever");
+    by_hand.start_with({"--off", instrument.port()});
+    QVERIFY(by_hand.guard_says(" does not obey: "));
+    GuardBench next;
+    next.environment = by_hand.environment;
+    next.start_with({"--", guarded_program()});
+    QVERIFY(next.guard_says("kest-guard: Another kest-guard is still switching instruments off; "));
+    instrument.set_fault("clear");
+    QVERIFY(by_hand.ends_with(0));
+    next.program = next.program_says("process ").split(' ').first().toInt();
+    QVERIFY(next.program > 0);
+    next.order("exit 0");
+    QVERIFY(next.ends_with(0));
 }
 
 void KestGuardSignalsTest::a_bare_start_finds_the_port_busy_and_disturbs_nobody()
@@ -225,11 +216,13 @@ void KestGuardSignalsTest::a_bare_start_finds_the_port_busy_and_disturbs_nobody(
     bare.start(guarded_program(), QStringList());
     bare.write("hold " + instrument.port() + " -\n");
     // Its open is refused; it says nothing of that, and goes on.
-    while (!bare.readAllStandardOutput().contains("opened "))
+    QByteArray bare_said;
+    while (!bare_said.contains("opened ")) {
         QVERIFY(bare.waitForReadyRead(PATIENCE_MS));
+        bare_said += bare.readAllStandardOutput();
+    }
     instrument.set_fault("clear");
-    QVERIFY(bench.ends_with(128 + SIGKILL));
-    QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
+    QVERIFY2(bench.ends_all_off(), bench.said);
     QVERIFY(instrument.comes_to("closed"));
     QCOMPARE(instrument.story().count("opened"), 2);
     bare.closeWriteChannel();
@@ -247,8 +240,7 @@ void KestGuardSignalsTest::two_guards_have_nothing_to_do_with_each_other()
         QVERIFY(bench->hold_all());
     }
     one.kill_program();
-    QVERIFY(one.ends_with(128 + SIGKILL));
-    QVERIFY2(one.said.endsWith("kest-guard: All is off.\n"), one.said);
+    QVERIFY2(one.ends_all_off(), one.said);
     QCOMPARE(other.instruments[0]->story(), QByteArray("opened 44"));
     other.order("exit 0");
     QVERIFY(other.ends_with(0));
@@ -257,8 +249,9 @@ void KestGuardSignalsTest::two_guards_have_nothing_to_do_with_each_other()
 void KestGuardSignalsTest::a_stopped_program_is_told_of_and_let_be()
 {
     GuardBench bench;
-    Instrument& instrument = bench.add_instrument({"--rate", "20"});
-    QVERIFY(bench.start({"--speed", "10", "--frozen", "5", "--kill-frozen"}));
+    Instrument& instrument = bench.add_instrument();
+    // Long enough for a program that goes on to be slow at first.
+    QVERIFY(bench.start({"--speed", "10", "--frozen", "30", "--kill-frozen"}));
     QVERIFY(bench.hold_all());
     QVERIFY(bench.log_has(" holds "));
     bench.kill_program(SIGSTOP);
@@ -276,7 +269,7 @@ void KestGuardSignalsTest::a_stopped_program_is_told_of_and_let_be()
 void KestGuardSignalsTest::a_frozen_program_is_told_of()
 {
     GuardBench bench;
-    Instrument& instrument = bench.add_instrument({"--rate", "20"});
+    Instrument& instrument = bench.add_instrument();
     QVERIFY(bench.start({"--speed", "10", "--frozen", "5"}));
     QVERIFY(bench.hold_all());
     bench.order("freeze");
@@ -286,14 +279,13 @@ void KestGuardSignalsTest::a_frozen_program_is_told_of()
         "it, and they are switched off.\n"));
     QCOMPARE(instrument.story(), QByteArray("opened 44"));
     bench.kill_program();
-    QVERIFY(bench.ends_with(128 + SIGKILL));
-    QVERIFY2(bench.said.endsWith("kest-guard: All is off.\n"), bench.said);
+    QVERIFY2(bench.ends_all_off(), bench.said);
 }
 
 void KestGuardSignalsTest::a_frozen_program_is_ended_where_that_is_wanted()
 {
     GuardBench bench;
-    Instrument& instrument = bench.add_instrument({"--rate", "20"});
+    Instrument& instrument = bench.add_instrument();
     QVERIFY(bench.start({"--speed", "10", "--frozen", "5", "--kill-frozen"}));
     QVERIFY(bench.hold_all());
     bench.order("freeze");
