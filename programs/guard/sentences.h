@@ -11,9 +11,9 @@ namespace Sentences
 {
 /** "was killed (signal 9: by somebody, or by the system because memory ran out)" */
 QString ending(const Ending& ending);
-/** "kest-battery-tester was killed (...) while it held 2 lines: ttyUSB0, ttyUSB1. Switching ..." */
-QString program_ended(const QString& program, const Ending& ending, const QStringList& lines);
-QString program_ended_unseen(const QString& program, const Ending& ending);
+/** "kest-battery-tester was killed (...) while it held ttyUSB0, ttyUSB1. Switching ..." */
+QString program_ended(const QString& program, const Ending& how, const QStringList& lines);
+QString program_ended_unseen(const QString& program, const Ending& how);
 /** "kest-battery-tester, 2026-11-22 03:14" */
 QString headline(const QString& program);
 QString program_ended_well(const QString& program);

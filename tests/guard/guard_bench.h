@@ -24,7 +24,7 @@ public:
     /** Starts the guard with a program that waits for orders. */
     bool start(const QStringList& guard_options = {});
     /** The same by way of another program, which gets the guard's command line behind its own. */
-    bool start_by(const QString& program, const QStringList& arguments);
+    bool start_by(const QString& other, const QStringList& arguments);
     /** Starts the guard with these arguments alone. */
     void start_with(const QStringList& arguments);
     /** Has the program hold these instruments in that state, "-" for no command at all. */
