@@ -65,7 +65,7 @@ void InstrumentPort::close()
     queue.clear();
     queued_bytes = 0;
     remove_link();
-    terminal.close();
+    terminal.hang_up();
 }
 
 bool InstrumentPort::is_open() const

@@ -59,6 +59,14 @@ void PseudoTerminal::close()
     slave_path.clear();
 }
 
+void PseudoTerminal::hang_up()
+{
+    if (master >= 0)
+        ::close(master);
+    master = -1;
+    slave_path.clear();
+}
+
 qint64 PseudoTerminal::write(const QByteArray& bytes)
 {
     qint64 taken = 0;
@@ -108,12 +116,12 @@ bool PseudoTerminal::has_unread() const
 {
     // Not FIONREAD: it misses what the system is still carrying across.
     pollfd waiting = {keeper, POLLIN, 0};
-    return keeper >= 0 && ::poll(&waiting, 1, 0) > 0 && (waiting.revents & POLLIN) != 0;
+    return master >= 0 && ::poll(&waiting, 1, 0) > 0 && (waiting.revents & POLLIN) != 0;
 }
 
 void PseudoTerminal::make_fresh()
 {
-    if (keeper < 0)
+    if (master < 0)
         return;
     // A program that was killed has left the line to itself, with settings of its own.
     ::ioctl(keeper, TIOCNXCL);

@@ -16,6 +16,8 @@ public:
     bool open(QString& error);
     /** Hangs up: to the other side the port has vanished. */
     void close();
+    /** As a plug that is pulled: the path is gone, but its number is nobody else's until the next open(). */
+    void hang_up();
 
     /** Writes what the line takes; the rest is dropped, as on a line nobody reads. @return bytes taken */
     qint64 write(const QByteArray& bytes);
