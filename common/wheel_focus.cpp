@@ -36,9 +36,8 @@ template <typename Box> QList<QWidget*> boxes_of(QWidget* form)
 
 void leave_wheel_without_focus(QWidget* form)
 {
-    auto* filter = new WheelFilter(form);
     for (QWidget* box : boxes_of<QAbstractSpinBox>(form) + boxes_of<QComboBox>(form)) {
         box->setFocusPolicy(Qt::StrongFocus);
-        box->installEventFilter(filter);
+        box->installEventFilter(new WheelFilter(box));
     }
 }
