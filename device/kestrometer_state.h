@@ -4,7 +4,7 @@
 #include <QChar>
 
 /** The state of an instrument; all but Unknown can be reported as well as commanded. */
-enum KestrometerState
+enum KestrometerState : int
 {
     Off,
     Charging,

@@ -2,8 +2,8 @@
 
 #include "device/kestrometer_state.h"
 
-/** The phases of a test, in the order of a regular cycle. */
-enum Phase
+/** The phases of a test, in the order of a regular cycle. PHASE_DONE stays the last: loops end there. */
+enum Phase : int
 {
     PHASE_IDLE = 0,
     PHASE_CHARGING,

@@ -5,8 +5,6 @@
 
 #include <limits>
 
-Q_DECLARE_METATYPE(KestrometerState)
-
 class TelemetryLineTest : public QObject
 {
     Q_OBJECT

@@ -1,5 +1,8 @@
 #include "support/state_names.h"
 
+#include "device/kestrometer_state.h"
+#include "station/phase.h"
+
 #include <QtTest>
 
 namespace

@@ -1,7 +1,13 @@
 #pragma once
 
-#include "device/kestrometer_state.h"
-#include "station/phase.h"
+#include <QMetaType>
+
+// Declared and not included: what hardly any test knows of must not have all of them compiled anew.
+enum KestrometerState : int;
+enum Phase : int;
+
+Q_DECLARE_METATYPE(KestrometerState)
+Q_DECLARE_METATYPE(Phase)
 
 // What a failed comparison calls the two values; found beside the types, so in every test alike.
 

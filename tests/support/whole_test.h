@@ -5,10 +5,6 @@
 
 #include "station/phase.h"
 
-#include <QMetaType>
-
-Q_DECLARE_METATYPE(Phase)
-
 /**
  * A test from end to end: a station on its cable, the simulated instrument with its pack at the
  * other end, and the clock, which every second of run() moves on.
