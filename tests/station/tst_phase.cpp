@@ -44,17 +44,23 @@ void PhaseTest::every_phase_is_in_one_set_of_each_kind_data()
 
 void PhaseTest::every_phase_is_in_one_set_of_each_kind()
 {
-    const QSet<int> charge_samples = {1, 2, 3, 8, 9};
-    const QSet<int> discharge_samples = {5, 6, 7};
-    const QSet<int> reads_skip = {1, 2, 5, 8};
-    const QSet<int> button_disabled = {3, 6, 7, 9};
-    const QSet<int> reads_start = {0, 4, 10};
-    const QSet<int> told_off = {0, 3, 4, 6, 10};
-    const QSet<int> told_charging = {1, 2, 8};
-    const QSet<int> told_discharging = {5, 7};
-    const QSet<int> told_nothing = {9};
-    const QSet<int> shows_current = {5, 6, 7};
-    const QSet<int> shows_charge_time = {1, 2, 8};
+    const QSet<int> charge_samples = {PHASE_CHARGING, PHASE_CHARGING_LEVELED,
+                                      PHASE_FULL_CHARGE_TEST, PHASE_FINAL_CHARGE,
+                                      PHASE_FINAL_CHARGE_TEST};
+    const QSet<int> discharge_samples = {PHASE_DISCHARGING, PHASE_IR_TEST, PHASE_IR_RECOVERY};
+    const QSet<int> reads_skip = {PHASE_CHARGING, PHASE_CHARGING_LEVELED, PHASE_DISCHARGING,
+                                  PHASE_FINAL_CHARGE};
+    const QSet<int> button_disabled = {PHASE_FULL_CHARGE_TEST, PHASE_IR_TEST, PHASE_IR_RECOVERY,
+                                       PHASE_FINAL_CHARGE_TEST};
+    const QSet<int> reads_start = {PHASE_IDLE, PHASE_READY_FOR_DISCHARGE, PHASE_DONE};
+    const QSet<int> told_off = {PHASE_IDLE, PHASE_FULL_CHARGE_TEST, PHASE_READY_FOR_DISCHARGE,
+                                PHASE_IR_TEST, PHASE_DONE};
+    const QSet<int> told_charging = {PHASE_CHARGING, PHASE_CHARGING_LEVELED, PHASE_FINAL_CHARGE};
+    const QSet<int> told_discharging = {PHASE_DISCHARGING, PHASE_IR_RECOVERY};
+    const QSet<int> told_nothing = {PHASE_FINAL_CHARGE_TEST};
+    const QSet<int> shows_current = {PHASE_DISCHARGING, PHASE_IR_TEST, PHASE_IR_RECOVERY};
+    const QSet<int> shows_charge_time = {PHASE_CHARGING, PHASE_CHARGING_LEVELED,
+                                         PHASE_FINAL_CHARGE};
 
     QFETCH(int, phase);
     const PhaseTraits& traits = traits_of(Phase(phase));

@@ -45,7 +45,7 @@ namespace
 {
 void add_phases_with(const char* column)
 {
-    QTest::addColumn<int>("phase");
+    QTest::addColumn<Phase>("phase");
     QTest::addColumn<QByteArray>(column);
 }
 
@@ -86,23 +86,23 @@ void EngineTest::start_begins_the_first_charge()
 void EngineTest::the_button_follows_the_phase_data()
 {
     add_phases_with("button");
-    QTest::newRow("charging") << 1 << QByteArray("Skip");
-    QTest::newRow("charging on") << 2 << QByteArray("Skip");
-    QTest::newRow("full charge test") << 3 << QByteArray("(Skip)");
-    QTest::newRow("ready") << 4 << QByteArray("Start");
-    QTest::newRow("discharging") << 5 << QByteArray("Skip");
-    QTest::newRow("resistance test") << 6 << QByteArray("(Skip)");
-    QTest::newRow("recovery") << 7 << QByteArray("(Skip)");
-    QTest::newRow("final charge") << 8 << QByteArray("Skip");
-    QTest::newRow("final charge test") << 9 << QByteArray("(Skip)");
-    QTest::newRow("done") << 10 << QByteArray("Start");
+    QTest::newRow("charging") << PHASE_CHARGING << QByteArray("Skip");
+    QTest::newRow("charging on") << PHASE_CHARGING_LEVELED << QByteArray("Skip");
+    QTest::newRow("full charge test") << PHASE_FULL_CHARGE_TEST << QByteArray("(Skip)");
+    QTest::newRow("ready") << PHASE_READY_FOR_DISCHARGE << QByteArray("Start");
+    QTest::newRow("discharging") << PHASE_DISCHARGING << QByteArray("Skip");
+    QTest::newRow("resistance test") << PHASE_IR_TEST << QByteArray("(Skip)");
+    QTest::newRow("recovery") << PHASE_IR_RECOVERY << QByteArray("(Skip)");
+    QTest::newRow("final charge") << PHASE_FINAL_CHARGE << QByteArray("Skip");
+    QTest::newRow("final charge test") << PHASE_FINAL_CHARGE_TEST << QByteArray("(Skip)");
+    QTest::newRow("done") << PHASE_DONE << QByteArray("Start");
 }
 
 void EngineTest::the_button_follows_the_phase()
 {
-    QFETCH(int, phase);
+    QFETCH(Phase, phase);
     StationBench bench;
-    bring_to(bench, Phase(phase));
+    bring_to(bench, phase);
     const auto* button = bench.widget<QPushButton>("pbStartSkip");
     const QString seen = button->isEnabled() ? button->text() : '(' + button->text() + ')';
     QTEST(seen.toUtf8(), "button");
@@ -145,28 +145,28 @@ void EngineTest::without_instrument_or_log_no_button_is_usable()
 void EngineTest::the_instrument_is_told_by_phase_data()
 {
     add_phases_with("command");
-    QTest::newRow("idle") << 0 << QByteArray("O");
-    QTest::newRow("charging") << 1 << QByteArray("C");
-    QTest::newRow("charging on") << 2 << QByteArray("C");
-    QTest::newRow("full charge test") << 3 << QByteArray("O");
-    QTest::newRow("ready") << 4 << QByteArray("O");
-    QTest::newRow("discharging") << 5 << QByteArray("D");
-    QTest::newRow("resistance test") << 6 << QByteArray("O");
-    QTest::newRow("recovery") << 7 << QByteArray("D");
-    QTest::newRow("final charge") << 8 << QByteArray("C");
-    QTest::newRow("final charge test") << 9 << QByteArray();
-    QTest::newRow("done") << 10 << QByteArray("O");
+    QTest::newRow("idle") << PHASE_IDLE << QByteArray("O");
+    QTest::newRow("charging") << PHASE_CHARGING << QByteArray("C");
+    QTest::newRow("charging on") << PHASE_CHARGING_LEVELED << QByteArray("C");
+    QTest::newRow("full charge test") << PHASE_FULL_CHARGE_TEST << QByteArray("O");
+    QTest::newRow("ready") << PHASE_READY_FOR_DISCHARGE << QByteArray("O");
+    QTest::newRow("discharging") << PHASE_DISCHARGING << QByteArray("D");
+    QTest::newRow("resistance test") << PHASE_IR_TEST << QByteArray("O");
+    QTest::newRow("recovery") << PHASE_IR_RECOVERY << QByteArray("D");
+    QTest::newRow("final charge") << PHASE_FINAL_CHARGE << QByteArray("C");
+    QTest::newRow("final charge test") << PHASE_FINAL_CHARGE_TEST << QByteArray();
+    QTest::newRow("done") << PHASE_DONE << QByteArray("O");
 }
 
 void EngineTest::the_instrument_is_told_by_phase()
 {
-    QFETCH(int, phase);
+    QFETCH(Phase, phase);
     StationBench bench;
     bring_to(bench, PHASE_CHARGING);
     bench.wire.commands();
     // As after a restart of the instrument: no command agrees with what it reports.
     bench.instrument->state = Unknown;
-    bench.station->set_phase(Phase(phase), "the test says so");
+    bench.station->set_phase(phase, "the test says so");
     QTEST(bench.wire.commands(), "command");
 }
 

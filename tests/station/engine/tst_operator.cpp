@@ -55,43 +55,50 @@ bool all_identity_enabled(StationBench& bench, bool enabled)
 
 void OperatorTest::the_button_acts_by_phase_data()
 {
-    QTest::addColumn<int>("phase");
+    QTest::addColumn<Phase>("phase");
     QTest::addColumn<int>("discharges_before");
     QTest::addColumn<int>("cycles_wanted");
-    QTest::addColumn<int>("next");
+    QTest::addColumn<Phase>("next");
     QTest::addColumn<QString>("text");
     const QString discharging = "Switching to phase Discharging because User clicked 'Skip'";
     const QString charging = "Switching to phase Charging because User clicked 'Skip'";
     const QString final_charge = "Switching to phase Charging (final) because User clicked 'Skip'";
     const QString done = "Switching to phase Done because User clicked 'Skip'";
-    QTest::newRow("charging") << 1 << 0 << 1 << 5 << discharging;
-    QTest::newRow("charging, all cycles done") << 1 << 2 << 1 << 5 << discharging;
-    QTest::newRow("charging on") << 2 << 0 << 1 << 5 << discharging;
-    QTest::newRow("ready") << 4 << 0 << 1 << 5 << discharging;
-    QTest::newRow("ready for the third") << 4 << 2 << 3 << 5 << discharging;
-    QTest::newRow("only discharge") << 5 << 0 << 1 << 8 << final_charge;
-    QTest::newRow("last discharge") << 5 << 1 << 2 << 8 << final_charge;
-    QTest::newRow("beyond the last discharge") << 5 << 1 << 1 << 8 << final_charge;
-    QTest::newRow("first of two") << 5 << 0 << 2 << 1 << charging;
-    QTest::newRow("one more wanted") << 5 << 1 << 3 << 1 << charging;
-    QTest::newRow("final charge") << 8 << 0 << 1 << 10 << done;
-    QTest::newRow("done, more wanted") << 10 << 0 << 2 << 1 << charging;
+    QTest::newRow("charging") << PHASE_CHARGING << 0 << 1 << PHASE_DISCHARGING << discharging;
+    QTest::newRow("charging, all cycles done")
+        << PHASE_CHARGING << 2 << 1 << PHASE_DISCHARGING << discharging;
+    QTest::newRow("charging on") << PHASE_CHARGING_LEVELED << 0 << 1 << PHASE_DISCHARGING
+                                 << discharging;
+    QTest::newRow("ready") << PHASE_READY_FOR_DISCHARGE << 0 << 1 << PHASE_DISCHARGING
+                           << discharging;
+    QTest::newRow("ready for the third")
+        << PHASE_READY_FOR_DISCHARGE << 2 << 3 << PHASE_DISCHARGING << discharging;
+    QTest::newRow("only discharge")
+        << PHASE_DISCHARGING << 0 << 1 << PHASE_FINAL_CHARGE << final_charge;
+    QTest::newRow("last discharge")
+        << PHASE_DISCHARGING << 1 << 2 << PHASE_FINAL_CHARGE << final_charge;
+    QTest::newRow("beyond the last discharge")
+        << PHASE_DISCHARGING << 1 << 1 << PHASE_FINAL_CHARGE << final_charge;
+    QTest::newRow("first of two") << PHASE_DISCHARGING << 0 << 2 << PHASE_CHARGING << charging;
+    QTest::newRow("one more wanted") << PHASE_DISCHARGING << 1 << 3 << PHASE_CHARGING << charging;
+    QTest::newRow("final charge") << PHASE_FINAL_CHARGE << 0 << 1 << PHASE_DONE << done;
+    QTest::newRow("done, more wanted") << PHASE_DONE << 0 << 2 << PHASE_CHARGING << charging;
 }
 
 void OperatorTest::the_button_acts_by_phase()
 {
-    QFETCH(int, phase);
+    QFETCH(Phase, phase);
     QFETCH(int, discharges_before);
     QFETCH(int, cycles_wanted);
-    QFETCH(int, next);
+    QFETCH(Phase, next);
     QFETCH(QString, text);
     StationBench bench;
-    bring_to(bench, Phase(phase), discharges_before);
+    bring_to(bench, phase, discharges_before);
     bench.station->number_of_cycles = cycles_wanted;
     const int cycles = bench.station->cycles.size();
     const QStringList before = events(bench);
     bench.press("pbStartSkip");
-    QCOMPARE(bench.station->phase, Phase(next));
+    QCOMPARE(bench.station->phase, next);
     QCOMPARE(events(bench), before + QStringList{text});
     QCOMPARE(bench.station->cycles.size(), cycles + (next == PHASE_DISCHARGING ? 1 : 0));
     QVERIFY(bench.answers.seen.empty());
@@ -99,16 +106,17 @@ void OperatorTest::the_button_acts_by_phase()
 
 void OperatorTest::a_forbidden_skip_is_refused_data()
 {
-    QTest::addColumn<int>("phase");
-    for (const int phase : {3, 6, 7, 9})
+    QTest::addColumn<Phase>("phase");
+    for (const Phase phase :
+         {PHASE_FULL_CHARGE_TEST, PHASE_IR_TEST, PHASE_IR_RECOVERY, PHASE_FINAL_CHARGE_TEST})
         QTest::addRow("phase %d", phase) << phase;
 }
 
 void OperatorTest::a_forbidden_skip_is_refused()
 {
-    QFETCH(int, phase);
+    QFETCH(Phase, phase);
     StationBench bench;
-    bring_to(bench, Phase(phase));
+    bring_to(bench, phase);
     const QByteArray txt = bench.txt();
     bench.wire.commands();
     bench.press("pbStartSkip");
@@ -121,7 +129,7 @@ void OperatorTest::a_forbidden_skip_is_refused()
     QCOMPARE(box.caption, QString("Error"));
     QCOMPARE(box.text, QString("The 'skip' button should not be clickable at this time."));
     QCOMPARE(box.icon, QMessageBox::Warning);
-    QCOMPARE(bench.station->phase, Phase(phase));
+    QCOMPARE(bench.station->phase, phase);
     QCOMPARE(bench.txt(), txt);
     QCOMPARE(bench.wire.commands(), QByteArray());
 }

@@ -46,30 +46,30 @@ TestCycle* add_cycle(TestStation& station, const QList<double>& milliohms)
 
 void ProgressTest::every_phase_has_its_text_data()
 {
-    QTest::addColumn<int>("phase");
+    QTest::addColumn<Phase>("phase");
     QTest::addColumn<QString>("text");
-    QTest::newRow("idle") << 0 << "Configure Test";
-    QTest::newRow("charging") << 1 << "Charging";
-    QTest::newRow("charging on") << 2 << "Charging";
-    QTest::newRow("full charge test") << 3 << "Full Charge Test";
-    QTest::newRow("ready") << 4 << "Ready for 0th Discharge";
-    QTest::newRow("discharging") << 5 << "Discharging";
-    QTest::newRow("resistance test") << 6 << "IR Test";
-    QTest::newRow("recovery") << 7 << "Recovering from IR Test";
-    QTest::newRow("final charge") << 8 << "Charging (final)";
-    QTest::newRow("final charge test") << 9 << "Final Charge Test";
-    QTest::newRow("done") << 10 << "Done";
-    QTest::newRow("beyond the last") << 11 << "?";
+    QTest::newRow("idle") << PHASE_IDLE << "Configure Test";
+    QTest::newRow("charging") << PHASE_CHARGING << "Charging";
+    QTest::newRow("charging on") << PHASE_CHARGING_LEVELED << "Charging";
+    QTest::newRow("full charge test") << PHASE_FULL_CHARGE_TEST << "Full Charge Test";
+    QTest::newRow("ready") << PHASE_READY_FOR_DISCHARGE << "Ready for 0th Discharge";
+    QTest::newRow("discharging") << PHASE_DISCHARGING << "Discharging";
+    QTest::newRow("resistance test") << PHASE_IR_TEST << "IR Test";
+    QTest::newRow("recovery") << PHASE_IR_RECOVERY << "Recovering from IR Test";
+    QTest::newRow("final charge") << PHASE_FINAL_CHARGE << "Charging (final)";
+    QTest::newRow("final charge test") << PHASE_FINAL_CHARGE_TEST << "Final Charge Test";
+    QTest::newRow("done") << PHASE_DONE << "Done";
+    QTest::newRow("beyond the last") << Phase(PHASE_DONE + 1) << "?";
 }
 
 void ProgressTest::every_phase_has_its_text()
 {
-    QFETCH(int, phase);
+    QFETCH(Phase, phase);
     StationBench bench;
-    QTEST(bench.station->phase_to_string(Phase(phase)), "text");
+    QTEST(bench.station->phase_to_string(phase), "text");
     if (phase > PHASE_DONE)
         return;
-    bench.station->phase = Phase(phase);
+    bench.station->phase = phase;
     bench.station->update_ui();
     QTEST(bench.text("laPhase"), "text");
 }
@@ -118,7 +118,9 @@ void ProgressTest::only_a_charge_leg_counts_as_charging()
     StationBench bench;
     bench.station->phase = Phase(phase);
     QCOMPARE(bench.station->get_phase(), Phase(phase));
-    QCOMPARE(bench.station->charging(), phase == 1 || phase == 2 || phase == 8);
+    QCOMPARE(bench.station->charging(), phase == PHASE_CHARGING ||
+                                            phase == PHASE_CHARGING_LEVELED ||
+                                            phase == PHASE_FINAL_CHARGE);
 }
 
 void ProgressTest::the_cycle_number_is_the_place_of_the_current_cycle()
