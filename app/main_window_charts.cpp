@@ -2,7 +2,6 @@
 
 #include "ui_main_window.h"
 
-#include "app/cycle_charts.h"
 #include "charts/chart_palette.h"
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
@@ -10,6 +9,7 @@
 #include "common/colors.h"
 #include "common/widget_sizing.h"
 #include "config/settings.h"
+#include "station/cycle_charts.h"
 #include "station/test_station.h"
 
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 #include "app/main_window.h"
 
-#include "app/cycle_charts.h"
 #include "charts/closest_point.h"
 #include "charts/paint_box.h"
+#include "station/cycle_charts.h"
 #include "station/test_station.h"
 
 #include <QCursor>

@@ -2,9 +2,9 @@
 
 #include "ui_main_window.h"
 
-#include "app/cycle_charts.h"
 #include "charts/paint_box.h"
 #include "common/message_boxes.h"
+#include "station/cycle_charts.h"
 
 namespace
 {

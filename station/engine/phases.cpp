@@ -4,8 +4,7 @@
 
 #include "common/date_time.h"
 #include "device/kestrometer.h"
-
-#include <QPen>
+#include "station/cycle_charts.h"
 
 namespace
 {
@@ -101,20 +100,8 @@ void TestStation::begin_cycle()
     ui->laCycleNumber->setText(
         QString("Cycle %1/%2").arg(get_cycle_number()).arg(number_of_cycles));
 
-    struct Curve
-    {
-        Series& series;
-        LineChart& chart;
-    };
-    const Curve curves[] = {
-        {current_cycle->voltage_vs_amphours, voltage_vs_amphours_chart},
-        {current_cycle->current_vs_amphours, current_vs_amphours_chart},
-        {current_cycle->internal_resistance, internal_resistance_chart},
-    };
-    for (const Curve& curve : curves)
-        curve.series.pen = QPen(color);
-    for (const Curve& curve : curves)
-        curve.series.set_axes(&curve.chart.bottom_axis, &curve.chart.left_axis);
+    set_curve_color(*current_cycle, color);
+    set_curve_axes(*current_cycle);
     emit sig_max_cycle_change();
 }
 

@@ -4,10 +4,10 @@
 
 #include "common/colors.h"
 #include "common/widget_colors.h"
+#include "station/cycle_charts.h"
 
 #include <QAbstractItemModel>
 #include <QListView>
-#include <QPen>
 
 namespace
 {
@@ -77,10 +77,7 @@ void TestStation::slot_color_change(int index)
     color = Colors::resistor_color_code[qMax(index, 0)];
     set_widget_colors(&color_combobox, readable_on(color), color);
     set_widget_colors(ui->laStationID, readable_on(color), color);
-    for (TestCycle* cycle : qAsConst(cycles)) {
-        cycle->voltage_vs_amphours.pen = QPen(color);
-        cycle->current_vs_amphours.pen = QPen(color);
-        cycle->internal_resistance.pen = QPen(color);
-    }
+    for (TestCycle* cycle : qAsConst(cycles))
+        set_curve_color(*cycle, color);
     emit sig_repaint_chart_request();
 }

@@ -1,11 +1,11 @@
 #include "app/main_window.h"
 
-#include "app/cycle_charts.h"
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "charts/plot_text.h"
 #include "common/colors.h"
 #include "device/kestrometer.h"
+#include "station/cycle_charts.h"
 #include "station/test_station.h"
 #include "support/recording_paint_device.h"
 #include "support/test_program.h"

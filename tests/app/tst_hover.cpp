@@ -1,10 +1,10 @@
 #include "app/main_window.h"
 #include "support/test_program.h"
 
-#include "app/cycle_charts.h"
 #include "chart_window.h"
 #include "charts/paint_box.h"
 #include "common/colors.h"
+#include "station/cycle_charts.h"
 #include "station/test_station.h"
 
 #include <QCheckBox>

@@ -1,7 +1,10 @@
-#include "app/cycle_charts.h"
+#include "station/cycle_charts.h"
 
 #include "station/test_cycle.h"
 #include "station/test_station.h"
+
+#include <QColor>
+#include <QPen>
 
 #include <algorithm>
 
@@ -15,4 +18,16 @@ const CycleChart& cycle_chart(char code)
 {
     return *std::find_if(std::begin(CYCLE_CHARTS), std::end(CYCLE_CHARTS) - 1,
                          [code](const CycleChart& row) { return row.code == code; });
+}
+
+void set_curve_color(TestCycle& cycle, const QColor& color)
+{
+    for (const CycleChart& row : CYCLE_CHARTS)
+        (cycle.*row.curve).pen = QPen(color);
+}
+
+void set_curve_axes(TestCycle& cycle)
+{
+    for (const CycleChart& row : CYCLE_CHARTS)
+        (cycle.*row.curve).set_axes(&row.chart.bottom_axis, &row.chart.left_axis);
 }
