@@ -22,6 +22,13 @@ public:
      */
     bool calc_30_percent_charge_voltage(float& voltage) const;
 
+    /** One more point for each curve of readings, live or loaded, at what was delivered so far. */
+    void add_reading(double voltage, double current)
+    {
+        voltage_vs_amphours.add(amp_hours, voltage);
+        current_vs_amphours.add(amp_hours, current);
+    }
+
     QDateTime start_time;
     Series voltage_vs_amphours;  ///< x amp-hours, y volts
     Series current_vs_amphours;  ///< x amp-hours, y amps

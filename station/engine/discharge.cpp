@@ -24,10 +24,8 @@ void TestStation::record_discharge(double time, double elapsed)
 
     if (!(kestrometer->current > LEAST_SAMPLED_CURRENT))
         return;
-    const double amp_hours = current_cycle->amp_hours;
-    current_cycle->voltage_vs_amphours.add(amp_hours, kestrometer->voltage);
-    current_cycle->current_vs_amphours.add(amp_hours, kestrometer->current);
-    append_data_log(time, amp_hours, kestrometer->voltage, kestrometer->current, ir);
+    current_cycle->add_reading(kestrometer->voltage, kestrometer->current);
+    append_data_log(time, current_cycle->amp_hours, kestrometer->voltage, kestrometer->current, ir);
 }
 
 void TestStation::check_discharge()

@@ -28,12 +28,11 @@ public:
 
     void take_row(const LogRow& row, const LogLine&) override
     {
-        cycle->voltage_vs_amphours.add(row.amp_hours, row.voltage);
-        cycle->current_vs_amphours.add(row.amp_hours, row.current);
-        if (row.has_resistance)
-            cycle->internal_resistance.add(row.amp_hours, row.resistance * 1000.0);
         cycle->amp_hours = row.amp_hours;
         cycle->watt_hours = row.watt_hours;
+        cycle->add_reading(row.voltage, row.current);
+        if (row.has_resistance)
+            cycle->internal_resistance.add(row.amp_hours, row.resistance * 1000.0);
     }
 
     std::function<TestCycle*()> begin_cycle;  ///< appends an empty cycle
