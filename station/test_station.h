@@ -61,6 +61,8 @@ public:
     /** Place of the current cycle counted from 1; 0 before the first discharge. */
     int get_cycle_number() const;
     Phase get_phase() const;
+    /** A charge, and behind the last discharge that is wanted the final one. */
+    Phase phase_after_discharge() const;
     /** While a charge leg runs; a charge test does not count. */
     bool charging() const;
     QString phase_to_string(Phase which) const;

@@ -34,11 +34,8 @@ void TestStation::check_discharge()
 
     // A check of its own on purpose: a low voltage on the very line that starts a resistance test
     // ends the discharge, and that test never completes.
-    if (kestrometer->voltage < low_voltage_cutoff) {
-        const Phase next =
-            get_cycle_number() >= number_of_cycles ? PHASE_FINAL_CHARGE : PHASE_CHARGING;
-        set_phase(next, QString("voltage (%1) < low_voltage_cutoff (%2)")
-                            .arg(kestrometer->voltage, 3, 'g')
-                            .arg(low_voltage_cutoff, 0, 'g'));
-    }
+    if (kestrometer->voltage < low_voltage_cutoff)
+        set_phase(phase_after_discharge(), QString("voltage (%1) < low_voltage_cutoff (%2)")
+                                               .arg(kestrometer->voltage, 3, 'g')
+                                               .arg(low_voltage_cutoff, 0, 'g'));
 }

@@ -43,12 +43,6 @@ void start_or_resume(TestStation& station)
         show_error("Unable to create log file.");
 }
 
-void skip_discharge(TestStation& station)
-{
-    const bool last = station.get_cycle_number() >= station.number_of_cycles;
-    station.set_phase(last ? PHASE_FINAL_CHARGE : PHASE_CHARGING, "User clicked 'Skip'");
-}
-
 void extend_finished_test(TestStation& station)
 {
     if (station.get_cycle_number() >= station.number_of_cycles)
@@ -87,7 +81,7 @@ void TestStation::on_pbStartSkip_clicked()
         set_phase(PHASE_DISCHARGING, "User clicked 'Skip'");
         break;
     case Press::EndDischarge:
-        skip_discharge(*this);
+        set_phase(phase_after_discharge(), "User clicked 'Skip'");
         break;
     case Press::FinishTest:
         set_phase(PHASE_DONE, "User clicked 'Skip'");

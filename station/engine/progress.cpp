@@ -12,6 +12,11 @@ Phase TestStation::get_phase() const
     return phase;
 }
 
+Phase TestStation::phase_after_discharge() const
+{
+    return get_cycle_number() >= number_of_cycles ? PHASE_FINAL_CHARGE : PHASE_CHARGING;
+}
+
 bool TestStation::charging() const
 {
     return traits_of(phase).command == Charging;
