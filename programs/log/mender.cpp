@@ -1,12 +1,13 @@
 #include "log/mender.h"
 
 #include "log/log_line.h"
+#include "station/logs/log_format.h"
 #include "station/logs/log_reader.h"
 
 namespace
 {
-const QByteArray CHARGE_TITLES = "Time (s),Voltage (V)";
-const QByteArray DISCHARGE_TITLES = "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)";
+const QByteArray CHARGE_TITLES = LogFormat::CHARGE_TITLES;
+const QByteArray DISCHARGE_TITLES = LogFormat::DISCHARGE_TITLES;
 constexpr int OLDER_HEAD_LINES = 7;
 
 const char* const NO_SENSE = "no line in the application's own form";

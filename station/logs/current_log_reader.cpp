@@ -139,7 +139,7 @@ bool Pass::read_discharge_row()
 {
     // Counted first: garbage may hold a million of them.
     const int commas = line.text.count(',');
-    if (commas != 3 && commas != 4)
+    if (commas + 1 < LEAST_COLUMNS || commas + 1 > MOST_COLUMNS)
         return refuse(1, wrong_columns(line.text, commas, "4 or 5 in a discharge"));
     const QStringList fields = line.text.split(',');
     if (fields[0] == "Time (s)")

@@ -58,14 +58,14 @@ QString charge_section_header(const Section& section)
            timestamp(section.start) + limits(section.parameters) +
            QString("Software Version:            %1, %2\n")
                .arg(BuildInfo::version, BuildInfo::date) +
-           interval(section.parameters) + "Time (s),Voltage (V)\n";
+           interval(section.parameters) + CHARGE_TITLES + '\n';
 }
 
 QString discharge_section_header(const Section& section)
 {
     return QString("Discharge Number:            %1\n").arg(section.number) +
            timestamp(section.start) + limits(section.parameters) + interval(section.parameters) +
-           "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)\n";
+           DISCHARGE_TITLES + '\n';
 }
 
 void put_charge_row(NumberRow& row, double time, double voltage)

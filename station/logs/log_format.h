@@ -18,6 +18,11 @@ struct Section
     TestParameters parameters;  ///< the interval is written only if resistance is measured
 };
 
+/** The last line of a section's head, without its end. */
+inline constexpr char CHARGE_TITLES[] = "Time (s),Voltage (V)";
+inline constexpr char DISCHARGE_TITLES[] =
+    "Time (s),Amp-Hours (Ah),Voltage (V),Current (A),IR (mOhms)";
+
 /** The three lines at the head of a data log. */
 QString file_header(const QString& battery_name, const QString& serial_number);
 

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+// Of a discharge row, in the logs of both generations.
 constexpr int LEAST_COLUMNS = 4;  ///< without a resistance
 constexpr int MOST_COLUMNS = 5;
 
