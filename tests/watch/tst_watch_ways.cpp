@@ -150,7 +150,7 @@ void WatchWaysTest::a_command_that_fails_is_told_data()
     add_row("its status", "sh -c \"exit 3\"", "refused: ended with status 3");
     add_row("a signal", "sh -c \"kill -KILL $$\"", "refused: was ended by signal 9");
     add_row("it is not there", "/nowhere/at-all --now",
-            "refused: cannot be started: execvp: No such file or directory");
+            "refused: cannot be started: No such file or directory");
 }
 
 void WatchWaysTest::a_command_that_fails_is_told()

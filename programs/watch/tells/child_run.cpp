@@ -1,15 +1,23 @@
 #include "watch/tells/child_run.h"
 
-#include <QProcess>
+#include <QFile>
+#include <QSocketNotifier>
 #include <QTimer>
 
+#include <cerrno>
 #include <csignal>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
 namespace
 {
 constexpr int KIND_MS = 2000;  // between the request to end and the end by force
+constexpr int LOOK_MS = 100;   // where the system does not tell that a process has ended
 
 /** Of an outer watch: what is not known of this event must not be told of another. */
 bool is_ours(const char* variable)
@@ -17,115 +25,175 @@ bool is_ours(const char* variable)
     return qstrncmp(variable, "KEST_", 5) == 0;
 }
 
-/** A process in a group of its own, with variables in bytes, which QProcess takes in texts only. */
-class Child : public QProcess
+/** All of the input, so that it is whole even if this process is killed the next moment. */
+int input_handle(const QByteArray& input)
 {
-public:
-    Child(const ChildOrder& child_order, QObject* parent);
-    ~Child() override;
-    void begin(const std::function<void(const ChildEnd&)>& ended);
+    const int handle = ::memfd_create("input", MFD_CLOEXEC);
+    for (int at = 0; at < input.size();) {
+        const ssize_t count = ::write(handle, input.constData() + at, size_t(input.size() - at));
+        if (count <= 0)
+            break;
+        at += int(count);
+    }
+    ::lseek(handle, 0, SEEK_SET);
+    return handle;
+}
 
-protected:
-    void setupChildProcess() override;
-
-private:
-    void time_is_up();
-    void signal_group(int signal) const;
-    ChildEnd end() const;
-
-    ChildOrder order;
-    std::vector<char*> environment;  ///< made before the fork: behind it nothing may be allocated
-    QTimer limit;
-    pid_t group = 0;
-    bool in_time = true;
-    bool settled = false;
-};
-
-Child::Child(const ChildOrder& child_order, QObject* parent) : QProcess(parent), order(child_order)
+std::vector<char*> pointers_to(QList<QByteArray>& texts)
 {
-    for (QByteArray& variable : order.variables)
-        environment.push_back(variable.data());
+    std::vector<char*> pointers;
+    for (QByteArray& text : texts)
+        pointers.push_back(text.data());
+    return pointers;
+}
+
+/**
+ * In a group of its own, with the signals as a program expects them. The toolkit's own way is not taken:
+ * there a child waits for its parent between fork and exec, for ever if the parent is killed just then.
+ */
+int spawn(const ChildOrder& order, pid_t& process)
+{
+    QList<QByteArray> words = {QFile::encodeName(order.program)};
+    for (const QString& argument : order.arguments)
+        words << QFile::encodeName(argument);
+    QList<QByteArray> variables = order.variables;
+    std::vector<char*> arguments = pointers_to(words);
+    std::vector<char*> environment = pointers_to(variables);
     for (char** variable = environ; *variable != nullptr; ++variable)
         if (!is_ours(*variable))
             environment.push_back(*variable);
+    arguments.push_back(nullptr);
     environment.push_back(nullptr);
-    setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    setStandardOutputFile(QProcess::nullDevice());
+
+    posix_spawnattr_t manner;
+    ::posix_spawnattr_init(&manner);
+    ::posix_spawnattr_setflags(&manner,
+                               POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    sigset_t signal_set;
+    ::sigemptyset(&signal_set);
+    ::posix_spawnattr_setsigmask(&manner, &signal_set);
+    ::sigaddset(&signal_set, SIGPIPE);
+    ::posix_spawnattr_setsigdefault(&manner, &signal_set);
+    posix_spawn_file_actions_t files;
+    ::posix_spawn_file_actions_init(&files);
+    const int input = input_handle(order.input);
+    ::posix_spawn_file_actions_adddup2(&files, input, STDIN_FILENO);
+    ::posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    const int failure = ::posix_spawnp(&process, arguments[0], &files, &manner, arguments.data(),
+                                       environment.data());
+    ::close(input);
+    ::posix_spawn_file_actions_destroy(&files);
+    ::posix_spawnattr_destroy(&manner);
+    return failure;
+}
+
+/** A process from its start to its end. */
+class Child : public QObject
+{
+public:
+    Child(const ChildOrder& child_order, QObject* parent,
+          const std::function<void(const ChildEnd&)>& whom_to_tell);
+    ~Child() override;
+    void begin();
+
+private:
+    void listen();
+    void look();
+    void time_is_up();
+    void settle(const ChildEnd& end);
+    QString sentence_about(int wait_status) const;
+
+    ChildOrder order;
+    std::function<void(const ChildEnd&)> ended;
+    QTimer limit;
+    QTimer looks;
+    int handle = -1;    ///< of the process; readable when it has ended
+    pid_t process = 0;  ///< and its group; 0 if there is none to look after
+    bool in_time = true;
+};
+
+Child::Child(const ChildOrder& child_order, QObject* parent,
+             const std::function<void(const ChildEnd&)>& whom_to_tell)
+    : QObject(parent), order(child_order), ended(whom_to_tell)
+{
 }
 
 Child::~Child()
 {
-    disconnect();
-    if (state() != QProcess::NotRunning)
-        signal_group(SIGKILL);
-    waitForFinished(KIND_MS);
+    if (process > 0) {
+        ::kill(-process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+    }
+    if (handle >= 0)
+        ::close(handle);
 }
 
-void Child::setupChildProcess()
+void Child::begin()
 {
-    ::setsid();
-    environ = environment.data();
-    // The watch keeps its signals for its own loop; a program of somebody else expects them.
-    sigset_t none;
-    ::sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    if (const int failure = spawn(order, process)) {
+        process = 0;
+        ChildEnd end;
+        end.sentence = QString("cannot be started: %1").arg(qt_error_string(failure));
+        settle(end);
+        return;
+    }
+    connect(&limit, &QTimer::timeout, this, &Child::time_is_up);
+    limit.setSingleShot(true);
+    limit.start(order.seconds * 1000);
+    listen();
 }
 
-void Child::signal_group(int signal) const
+void Child::listen()
 {
-    if (group > 0)
-        ::kill(-group, signal);
+    handle = int(::syscall(SYS_pidfd_open, process, 0));
+    if (handle >= 0) {
+        auto* const notifier = new QSocketNotifier(handle, QSocketNotifier::Read, this);
+        connect(notifier, &QSocketNotifier::activated, this, &Child::look);
+        return;
+    }
+    connect(&looks, &QTimer::timeout, this, &Child::look);
+    looks.start(LOOK_MS);
 }
 
 void Child::time_is_up()
 {
-    signal_group(in_time ? SIGTERM : SIGKILL);
+    ::kill(-process, in_time ? SIGTERM : SIGKILL);
     in_time = false;
     limit.start(KIND_MS);
 }
 
-ChildEnd Child::end() const
+void Child::look()
 {
-    ChildEnd result;
-    result.started = error() != QProcess::FailedToStart;
-    result.in_time = in_time;
-    if (result.started && exitStatus() == QProcess::NormalExit)
-        result.status = exitCode();
-    if (!result.started)
-        result.sentence = QString("cannot be started: %1").arg(errorString());
-    else if (!in_time)
-        result.sentence = QString("had not ended after %1 seconds").arg(order.seconds);
-    else if (result.status < 0)
-        result.sentence = QString("was ended by signal %1").arg(exitCode());
-    else
-        result.sentence = QString("ended with status %1").arg(result.status);
-    return result;
+    int status = 0;
+    if (process == 0 || ::waitpid(process, &status, WNOHANG) != process)
+        return;
+    // What it left behind in its group has no more time than it had itself.
+    if (!in_time)
+        ::kill(-process, SIGKILL);
+    process = 0;
+    ChildEnd end;
+    end.started = true;
+    end.in_time = in_time;
+    end.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    end.sentence = sentence_about(status);
+    settle(end);
 }
 
-void Child::begin(const std::function<void(const ChildEnd&)>& ended)
+QString Child::sentence_about(int wait_status) const
 {
-    const auto settle = [this, ended] {
-        if (settled)
-            return;
-        settled = true;
-        deleteLater();
-        // What it left behind in its group has no more time than it had itself.
-        if (!in_time)
-            signal_group(SIGKILL);
-        ended(end());
-    };
-    connect(this, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this, settle);
-    connect(this, &QProcess::errorOccurred, this, [settle](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            settle();
-    });
-    connect(&limit, &QTimer::timeout, this, &Child::time_is_up);
-    limit.setSingleShot(true);
-    limit.start(order.seconds * 1000);
-    start(order.program, order.arguments);
-    group = pid_t(processId());
-    write(order.input);
-    closeWriteChannel();
+    if (!in_time)
+        return QString("had not ended after %1 seconds").arg(order.seconds);
+    if (WIFEXITED(wait_status))
+        return QString("ended with status %1").arg(WEXITSTATUS(wait_status));
+    return QString("was ended by signal %1").arg(WTERMSIG(wait_status));
+}
+
+void Child::settle(const ChildEnd& end)
+{
+    limit.stop();
+    looks.stop();
+    deleteLater();
+    ended(end);
 }
 }  // namespace
 
@@ -133,6 +201,6 @@ void run_child(const ChildOrder& order, QObject* parent,
                const std::function<void(const ChildEnd&)>& ended)
 {
     // Owned by the parent, and gone by itself when it is done.
-    auto* const child = new Child(order, parent);
-    child->begin(ended);
+    auto* const child = new Child(order, parent, ended);
+    child->begin();
 }

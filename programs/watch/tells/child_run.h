@@ -25,7 +25,7 @@ struct ChildEnd
 };
 
 /**
- * Starts it and returns at once; `parent` owns it. Past its time it is ended with all that it has
+ * Starts it and returns at once; `parent` owns what looks after it. Past its time it is ended with all that it has
  * started, first kindly, then by force.
  */
 void run_child(const ChildOrder& order, QObject* parent,
