@@ -135,6 +135,14 @@ void WatchMemoryTest::each_thing_is_told_once_again_and_when_it_is_over_data()
             Story{{"08:00: waits-for-operator of A", "begins waits-for-operator of A"},
                   {"09:30: waits-for-operator of A since 09:20",
                    "over waits-for-operator of A at 09:30, begins waits-for-operator of A"}});
+    add_row("a restart knows a time less well", 60, "",
+            Story{{"08:01: done of A, ended of B", "begins done of A, begins ended of B"},
+                  {"08:05: done of A since 08:00, ended of B since 08:02", ""}});
+    add_row("the clock is set twice", 60, "",
+            Story{{"08:01: clock-stepped of /l", "begins clock-stepped of /l"},
+                  {"07:01: clock-stepped of /l since 08:01, clock-stepped of /l",
+                   "begins clock-stepped of /l"},
+                  {"07:02: clock-stepped of /l since 08:01, clock-stepped of /l since 07:01", ""}});
     add_row("a silence is one, whatever its beginning is thought to be", 60, "",
             Story{{"08:00: instrument-silent of A", "begins instrument-silent of A"},
                   {"08:30: instrument-silent of A since 08:29", ""}});

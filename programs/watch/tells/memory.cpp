@@ -10,10 +10,21 @@ namespace
 constexpr qint64 OLD_MOMENT_S = 3600;      // what happened once, before the very first look
 constexpr qint64 OLD_CONDITION_S = 86400;  // what holds since
 
-bool is_same(const Situation& one, const Situation& other)
+/** Whether what is seen is another one than what is known, though its kind and place are the same. */
+bool is_another(const Situation& known, const Situation& seen)
 {
-    return one.condition == other.condition && one.log == other.log &&
-           (!has(one.condition, DATED) || one.since == other.since);
+    // The clock itself may have been put back between two of them.
+    if (has(known.condition, MACHINE))
+        return known.since != seen.since;
+    // A log has its times in seconds, and after a restart they are all that is known.
+    constexpr qint64 TOLERANCE_S = 60;
+    return known.since.secsTo(seen.since) > TOLERANCE_S;
+}
+
+bool is_same(const Situation& known, const Situation& seen)
+{
+    return known.condition == seen.condition && known.log == seen.log &&
+           (!has(known.condition, DATED) || !is_another(known, seen));
 }
 
 bool is_old(const Situation& situation, const QDateTime& born)

@@ -6,11 +6,10 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace
@@ -110,9 +109,13 @@ Lock MemoryFile::lock()
         QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     const QByteArray name = QFile::encodeName(QDir(folder).filePath("lock"));
     lock_handle = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (lock_handle >= 0 && ::flock(lock_handle, LOCK_EX | LOCK_NB) == 0)
+    // Of the process, not of the handle: a command that was just forked off must not hold it on.
+    struct flock whole_file = {};
+    whole_file.l_type = F_WRLCK;
+    whole_file.l_whence = SEEK_SET;
+    if (lock_handle >= 0 && ::fcntl(lock_handle, F_SETLK, &whole_file) == 0)
         return Lock::Taken;
-    if (lock_handle >= 0 && errno == EWOULDBLOCK) {
+    if (lock_handle >= 0 && (errno == EAGAIN || errno == EACCES)) {
         error_text = "Another kest-watch of this user is running; one is enough.";
         return Lock::HeldByAnother;
     }
@@ -143,15 +146,22 @@ Memory MemoryFile::load()
 bool MemoryFile::save(const Memory& memory)
 {
     error_text.clear();
-    QSaveFile file(path());
+    // Without a buffer: the toolkit's own file for this puts a torn one in its place where a full disk
+    // takes a part. Of one name: nothing piles up where a watch is killed.
+    QFile file(path() + ".new");
     const QByteArray document = memory_document(memory);
-    const bool saved =
-        file.open(QIODevice::WriteOnly) && file.write(document) == document.size() && file.commit();
-    if (!saved)
-        error_text = QString("%1 cannot be written: %2. Messages go out all the same; after a "
-                             "restart some may come again. Make room.")
-                         .arg(path(), file.errorString());
-    return saved;
+    const bool saved = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+                       file.write(document) == document.size() && ::fsync(file.handle()) == 0 &&
+                       ::rename(QFile::encodeName(file.fileName()).constData(),
+                                QFile::encodeName(path()).constData()) == 0;
+    if (saved)
+        return true;
+    const QString reason = qt_error_string();
+    file.remove();
+    error_text = QString("%1 cannot be written: %2. Messages go out all the same; after a restart "
+                         "some may come again. Make room.")
+                     .arg(path(), reason);
+    return false;
 }
 
 QString MemoryFile::error() const
