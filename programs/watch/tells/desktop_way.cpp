@@ -4,6 +4,7 @@
 #include "watch/tells/ways.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QHash>
@@ -64,9 +65,14 @@ void Desktop::send(const Event& event, const Answer& answer)
         answer(Arrival::Later, "there is no desktop session");
         return;
     }
+    const QDBusConnection bus = connected();
+    // Nobody would ever hear of a call without a connection.
+    if (!bus.isConnected()) {
+        answer(Arrival::Later, bus.lastError().message());
+        return;
+    }
     const QDBusMessage call = desktop_call(message_for(event, shown.value(key_of(event))));
-    auto* const watcher =
-        new QDBusPendingCallWatcher(connected().asyncCall(call, PATIENCE_MS), this);
+    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, PATIENCE_MS), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [=] {
         watcher->deleteLater();
         take_answer(*watcher, event, answer);

@@ -1,6 +1,7 @@
 #include "watch/tells/sleep_inhibitor.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -47,11 +48,16 @@ void SleepInhibitor::set_needed(bool is_needed)
 
 void SleepInhibitor::ask()
 {
-    asking = true;
     if (!QDBusConnection(CONNECTION).isConnected())
         QDBusConnection::disconnectFromBus(CONNECTION);
     const QDBusConnection system =
         QDBusConnection::connectToBus(QDBusConnection::SystemBus, CONNECTION);
+    // Nobody would ever hear of a call without a connection.
+    if (!system.isConnected()) {
+        refuse(system.lastError().message());
+        return;
+    }
+    asking = true;
     auto* const watcher =
         new QDBusPendingCallWatcher(system.asyncCall(inhibit_call(), PATIENCE_MS), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
