@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr int TIMEOUT_MS = 10000;
+constexpr int TIMEOUT_MS = 60000;  // a busy machine is no mistake
 
 const QByteArray MARKER = "\xFF<end>\xFF";
 

@@ -9,7 +9,7 @@
 
 class Kestrometer;
 
-/** Handles events until `done` holds; false after ten seconds, which only a failing test waits for. */
+/** Handles events until `done` holds; false after a minute, which only a failing test waits for. */
 bool spin_until(const std::function<bool()>& done);
 
 /**
