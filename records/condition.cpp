@@ -11,7 +11,7 @@ constexpr ConditionTraits CONDITIONS[] = {
     {Condition::WaitsForOperator, "waits-for-operator", "waits for the operator", false},
     {Condition::Done, "done", "done", false},
     {Condition::InstrumentSilent, "instrument-silent", "the instrument is silent", false},
-    {Condition::NoCurrent, "no-current", "discharging without a current", false},
+    {Condition::NoCurrent, "no-current", "no current flows", false},
     {Condition::StepDoesNotEnd, "step-does-not-end", "a step does not end", false},
     {Condition::ResistanceTestsFail, "resistance-tests-fail", "resistance tests fail", false},
     {Condition::ProgramGone, "program-gone", "the program is gone", false},

@@ -4,7 +4,7 @@
 #include "programs/common/signal_reader.h"
 #include "programs/common/terminal.h"
 #include "watch/tells/messenger.h"
-#include "watch/watch.h"
+#include "watch/watch_settings.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -27,20 +27,20 @@ int end_signals()
     return ::signalfd(-1, &ends, SFD_NONBLOCK | SFD_CLOEXEC);
 }
 
-WatchSettings settings_of(const WatchOptions& options)
-{
-    WatchSettings settings;
-    settings.folders = options.folders;
-    settings.quiet_seconds = options.quiet_seconds;
-    return settings;
-}
 }  // namespace
 
 int follow(const WatchOptions& options)
 {
     SignalReader ends(end_signals());
     QObject::connect(&ends, &SignalReader::sig_signal, [] { QCoreApplication::quit(); });
-    Watch watch(settings_of(options));
+    const StartOfWatch start = start_of_watch(options);
+    if (!start.error.isEmpty()) {
+        tell(start.error);
+        return EXIT_WRONG_ARGUMENTS;
+    }
+    for (const QString& sentence : start.missing)
+        tell(sentence + " It is followed as soon as it is there.");
+    Watch watch(start.settings);
     Messenger messenger(options.telling, watch_state_folder());
     QObject::connect(&messenger, &Messenger::sig_trouble, tell);
     QObject::connect(&messenger, &Messenger::sig_news,

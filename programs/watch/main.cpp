@@ -2,8 +2,9 @@
 #include "programs/common/terminal.h"
 #include "watch/conf_file.h"
 #include "watch/follow.h"
+#include "watch/look_once.h"
 #include "watch/tells/check.h"
-#include "watch/watch_options.h"
+#include "watch/watch_settings.h"
 
 #include <QCoreApplication>
 
@@ -12,8 +13,8 @@ namespace
 int check(const WatchOptions& options)
 {
     bool all_good = true;
-    const bool said =
-        put(plan_text(options.telling, options.folders)) && put(try_all(options.telling, all_good));
+    const bool said = put(plan_text(options.telling, start_of_watch(options).settings.folders)) &&
+                      put(try_all(options.telling, all_good));
     return said && all_good ? EXIT_GOOD : EXIT_SOMETHING_TO_TELL;
 }
 }  // namespace
@@ -29,5 +30,13 @@ int main(int argc, char** argv)
     }
     if (!options.answer.isEmpty())
         return put(options.answer) ? EXIT_GOOD : EXIT_SOMETHING_TO_TELL;
-    return options.command == WatchCommand::Check ? check(options) : follow(options);
+    switch (options.command) {
+    case WatchCommand::Check:
+        return check(options);
+    case WatchCommand::Status:
+        return look_once(options);
+    case WatchCommand::Follow:
+        break;
+    }
+    return follow(options);
 }

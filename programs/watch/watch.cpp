@@ -164,7 +164,7 @@ QList<FolderUse> Watch::folder_uses() const
 
 void Watch::remember() const
 {
-    if (settings.state_folder.isEmpty())
+    if (settings.state_folder.isEmpty() || !settings.keeps_memory)
         return;
     QList<LogMemory> memories;
     for (const auto& log : logs)

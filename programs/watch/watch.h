@@ -15,9 +15,10 @@
 /** What the watch has to know before its first look. */
 struct WatchSettings
 {
-    QStringList folders;     ///< absolute
-    QString state_folder;    ///< where it remembers which tests ran; empty: nowhere
-    int quiet_seconds = 30;  ///< without a row, where rows are due: the instrument is silent
+    QStringList folders;       ///< absolute
+    QString state_folder;      ///< where it remembers which tests ran; empty: nowhere
+    bool keeps_memory = true;  ///< false: reads what is remembered and leaves it as it is
+    int quiet_seconds = 30;    ///< without a row, where rows are due: the instrument is silent
 };
 
 /** Follows the logs of some folders. Reads only. */
