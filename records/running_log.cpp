@@ -42,6 +42,10 @@ void RunningLog::row_read(const Section& of, const Row& read, const LogLine&)
 
 void RunningLog::section_ended(const Section& ended)
 {
-    legs.append({ended.kind, ended.count.last_seconds, row.amp_hours});
+    // A section without a row has left none.
+    const bool has_rows = ended.count.rows > 0;
+    legs.append({ended.kind, ended.count.last_seconds, has_rows ? row.amp_hours : 0.0,
+                 ended.last_volts, ended.parameters.low_voltage_cutoff,
+                 ended.parameters.max_charge_time});
     section = ended;
 }

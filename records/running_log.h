@@ -13,6 +13,9 @@ struct Leg
     SectionKind kind = SectionKind::Charge;
     double seconds = 0.0;  ///< of its last row
     double amp_hours = 0.0;
+    double last_volts = 0.0;
+    double cutoff = 0.0;      ///< volts
+    int max_charge_time = 0;  ///< seconds, whole hours
 };
 
 /**

@@ -23,6 +23,9 @@ struct TestFacts
     qint64 row_age = -1;  ///< seconds since the last row; -1 if there is none
     QDateTime end_from;   ///< the present leg is expected to end between these two
     QDateTime end_to;
+    double end_error =
+        std::numeric_limits<double>::quiet_NaN();  ///< what 9 of 10 such forecasts have
+                                                   ///< kept to, of the time left
 };
 
 /**

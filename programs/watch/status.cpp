@@ -50,7 +50,11 @@ QString end_text(const TestFacts& facts)
 {
     if (!facts.end_from.isValid() || !facts.end_to.isValid())
         return "-";
-    return clock_text(facts.end_from) + " to " + clock_text(facts.end_to);
+    const QString range = clock_text(facts.end_from) + " to " + clock_text(facts.end_to);
+    return std::isnan(facts.end_error) ? range
+                                       : QString("%1 (%2 % off before)")
+                                             .arg(range)
+                                             .arg(std::round(facts.end_error * 100.0));
 }
 
 /** The situations of one log behind each other, as a look has them. */
@@ -133,6 +137,7 @@ QJsonObject test_json(const QList<Situation>& test)
         {"row_age_seconds", facts.row_age >= 0 ? QJsonValue(facts.row_age) : QJsonValue()},
         {"end_from", iso(facts.end_from)},
         {"end_to", iso(facts.end_to)},
+        {"end_error_share", known(facts.end_error)},
     };
     put_file(object, "file", test.first().log);
     QJsonArray conditions;

@@ -24,7 +24,8 @@ bool is_on_network(const QString& folder)
 }
 }  // namespace
 
-Watch::Watch(const WatchSettings& watch_settings) : settings(watch_settings)
+Watch::Watch(const WatchSettings& watch_settings)
+    : settings(watch_settings), forecaster(settings.state_folder, settings.keeps_memory)
 {
     for (const QString& folder : settings.folders)
         folders.push_back(
@@ -50,9 +51,11 @@ Look Watch::look(const Moment& moment)
     }
     forget_old(moment);
     remember();
+    forecaster.read_on(folders, logs);
     Look look;
     for (const auto& log : logs) {
-        const QList<Situation> found = log->situations(moment, settings.quiet_seconds);
+        QList<Situation> found = log->situations(moment, settings.quiet_seconds);
+        forecaster.put_end(*log, moment, found);
         look.situations << found;
         look.test_runs = look.test_runs || (log->runs() && !found.isEmpty() &&
                                             found.first().condition != Condition::Done &&

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "watch/forecaster.h"
 #include "watch/log_folder.h"
 #include "watch/log_holders.h"
 #include "watch/look.h"
@@ -46,6 +47,7 @@ private:
     WatchSettings settings;
     LogHolders holders;
     MachineLook machine;
+    Forecaster forecaster;
     std::vector<std::unique_ptr<LogFolder>> folders;
     std::vector<std::unique_ptr<WatchedLog>> logs;
     qint64 scanned_ms = 0;

@@ -58,6 +58,7 @@ Situation discharging()
     facts.row_age = 61;
     facts.end_from = NOON.addSecs(3600);
     facts.end_to = NOON.addSecs(7200);
+    facts.end_error = 0.04;
     return situation;
 }
 
