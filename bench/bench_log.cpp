@@ -21,14 +21,14 @@ QString bench_log_header()
     return LogFormat::file_header("Pack A", "1042") + LogFormat::discharge_section_header(section);
 }
 
-void write_bench_log(const QString& path)
+void write_bench_log(const QString& path, int rows)
 {
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         qFatal("The log cannot be written.");
     QTextStream stream(&file);
     stream << bench_log_header();
-    for (int row = 0; row < BENCH_LOG_ROWS; ++row) {
+    for (int row = 0; row < rows; ++row) {
         const double ir = row % ROWS_PER_RESISTANCE == 0 ? 0.014 : 0.0;
         NumberRow text;
         LogFormat::put_discharge_row(text, row * 1.003, row * 0.0027731, 41.0 - 0.01 * (row % 700),

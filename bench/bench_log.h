@@ -8,4 +8,4 @@ constexpr int BENCH_LOG_ROWS = 1000000;
 QString bench_log_header();
 
 /** A data log of one discharge, with a resistance every three minutes. */
-void write_bench_log(const QString& path);
+void write_bench_log(const QString& path, int rows = BENCH_LOG_ROWS);

@@ -89,6 +89,7 @@ void Forecaster::read_on(const std::vector<std::unique_ptr<LogFolder>>& folders,
         for (auto log = place->logs.cbegin(); log != place->logs.cend(); ++log)
             present.insert(log.key());
     }
+    knows_all_logs = complete;
     if (keeps && complete && index.logs_read != saved_reads) {
         index.save(present);
         saved_reads = index.logs_read;

@@ -21,6 +21,8 @@ public:
     /** Puts the expected end into what was found of a log. */
     void put_end(const WatchedLog& log, const Moment& moment, QList<Situation>& situations);
 
+    bool knows_all_logs = false;
+
 private:
     /** The first forecast of a leg, to be judged when the leg is over. */
     struct Made

@@ -55,13 +55,13 @@ int cycle_of(const RunningLog& log, TestPhase phase)
 
 TestFacts WatchedLog::facts(const Moment& moment) const
 {
-    const StoryPhase& phase = story.phase(moment.awake_ms);
+    const StoryPhase& present = phase(moment);
     TestFacts facts;
     facts.battery = log->profile_name;
     facts.serial_number = log->serial_number;
-    facts.phase = phase.text;
-    facts.reason = phase.reason;
-    facts.cycle = cycle_of(*log, phase.phase);
+    facts.phase = present.text;
+    facts.reason = present.reason;
+    facts.cycle = cycle_of(*log, present.phase);
     facts.row_age = log->rows == 0 ? NO_ROW : (moment.awake_ms - row_ms) / 1000;
     if (log->has_resistance)
         facts.milliohms = log->milliohms;
@@ -78,8 +78,8 @@ TestFacts WatchedLog::facts(const Moment& moment) const
 QDateTime WatchedLog::since(Condition condition, const TestView& seen, const Moment& moment)
 {
     const bool by_phase = condition == traits_of(seen.phase).condition;
-    if (by_phase && story.phase(moment.awake_ms).since.isValid())
-        return story.phase(moment.awake_ms).since;
+    if (by_phase && phase(moment).since.isValid())
+        return phase(moment).since;
     if (is_over() && ended.isValid())
         return ended;
     const bool by_rows =

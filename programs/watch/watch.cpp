@@ -65,6 +65,11 @@ Look Watch::look(const Moment& moment)
     return look;
 }
 
+bool Watch::knows_all_logs() const
+{
+    return forecaster.knows_all_logs;
+}
+
 /** A log that goes by another name now is the same test. */
 void Watch::follow_names(const LogFolder& folder)
 {

@@ -30,6 +30,8 @@ public:
 
     /** To be called every few seconds. */
     Look look(const Moment& moment);
+    /** Whether all earlier logs have been read, which takes some looks the first time. */
+    bool knows_all_logs() const;
 
 private:
     void follow_names(const LogFolder& folder);

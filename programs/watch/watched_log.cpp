@@ -229,16 +229,20 @@ qint64 WatchedLog::size() const
     return data.state.size + events.state.size;
 }
 
+const StoryPhase& WatchedLog::phase(const Moment& moment) const
+{
+    return is_over() ? story.last_phase() : story.phase(moment.awake_ms);
+}
+
 TestView WatchedLog::view(const Moment& moment) const
 {
     const auto since_ms = [&moment](qint64 then) {
         return double(moment.awake_ms - then) / 1000.0;
     };
-    const StoryPhase& phase = story.phase(moment.awake_ms);
     TestView seen;
     seen.writer = writer;
-    seen.phase = phase.phase;
-    seen.phase_seconds = since_ms(phase.arrival_ms);
+    seen.phase = phase(moment).phase;
+    seen.phase_seconds = since_ms(phase(moment).arrival_ms);
     seen.row_seconds = since_ms(row_ms);
     seen.line_seconds = since_ms(line_ms);
     seen.botched_tests = story.botched_tests;

@@ -43,6 +43,8 @@ public:
     QList<Situation> situations(const Moment& moment, int quiet_seconds);
     TestView view(const Moment& moment) const;
     TestFacts facts(const Moment& moment) const;
+    /** The one that counts: of a test that is over the last, as nothing can follow it. */
+    const StoryPhase& phase(const Moment& moment) const;
 
     /** Whether the test has come to an end, or nobody was ever seen to write. */
     bool is_over() const;

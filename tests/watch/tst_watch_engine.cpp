@@ -27,6 +27,7 @@ private slots:
     void a_renamed_log_is_the_same_test();
     void a_deleted_log_ends_and_a_new_one_begins();
     void a_cut_log_is_read_anew();
+    void the_end_of_a_second_discharge_is_expected();
     void two_stations_on_one_log_run_as_long_as_one_of_them();
 };
 
@@ -253,6 +254,23 @@ void WatchEngineTest::a_cut_log_is_read_anew()
     QCOMPARE(bench.folder.seen.situations.first().facts.battery, QString("Pack A"));
     QCOMPARE(bench.folder.seen.situations.first().facts.amps,
              bench.test.station.kestrometer->current);
+}
+
+void WatchEngineTest::the_end_of_a_second_discharge_is_expected()
+{
+    WatchBench bench;
+    start(bench);
+    bench.run_to(PHASE_DISCHARGING);
+    QVERIFY(!bench.folder.situation(Condition::Discharging)->facts.end_to.isValid());
+    bench.run_to(PHASE_CHARGING);
+    bench.run_to(PHASE_DISCHARGING);
+    const TestFacts facts = bench.folder.situation(Condition::Discharging)->facts;
+    QVERIFY(std::isnan(facts.end_error));
+    while (bench.test.station.phase == PHASE_DISCHARGING)
+        bench.run(1);
+    QVERIFY(facts.end_from <= bench.folder.now.time);
+    QVERIFY(facts.end_to >= bench.folder.now.time.addSecs(-2));
+    QVERIFY(facts.end_from.secsTo(facts.end_to) < 10);
 }
 
 void WatchEngineTest::two_stations_on_one_log_run_as_long_as_one_of_them()

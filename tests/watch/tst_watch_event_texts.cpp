@@ -152,6 +152,10 @@ void WatchEventTextsTest::a_line_is_what_its_words_say_data()
     row("a time alone", "2020-04-03 09:15:02", EventKind::Other);
     row("a time and a blank", STAMP, EventKind::Other);
     row("nothing", "", EventKind::Other);
+    row("a time in letters", "2020-04-0x 09:15:02 43", EventKind::Other);
+    row("a time with a minus", "2020-04--3 09:15:02 43", EventKind::Other);
+    row("a time with a T", "2020-04-03T09:15:02 43", EventKind::Other);
+    row("no such hour", "2020-04-03 24:15:02 43", EventKind::Other);
     row("no such day", "2020-02-30 09:15:02 43", EventKind::Other);
 }
 

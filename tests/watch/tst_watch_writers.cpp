@@ -135,8 +135,7 @@ void WatchWritersTest::a_program_that_is_killed_is_gone()
     QCOMPARE(place.watch->look_after(2), QString("charging"));
     QVERIFY(place.watch->seen.test_runs);
     place.tell(change(phase, "2020-04-03 10:00:00"));
-    place.watch->look_after(4);
-    place.watch->look_after(4);
+    place.watch->look_after(1);
     place.program->kill();
     QTEST(place.watch->look_after(2), "found");
     QVERIFY(!place.watch->seen.test_runs);
