@@ -77,19 +77,21 @@ void WatchDemoTest::a_whole_test_is_watched_and_a_preview_is_not()
     WatchedDemo bench;
     bench.watch_until("no such state");
     QCOMPARE(bench.demo.exitCode(), 0);
-    QCOMPARE(bench.found.first(), QString());
-    bench.found.removeFirst();
-    // It is closed as soon as it is done, and not gone.
-    QCOMPARE(bench.found.takeLast(), QString("ended"));
-    bench.found.removeAll("done");
-    QCOMPARE(bench.found.join('/'), QString("charging/discharging/charging/discharging/charging"));
+    // Which of the short legs are seen is a matter of how busy the machine is.
+    QVERIFY(bench.found.contains("charging"));
+    QCOMPARE(bench.found.last(), QString("ended"));
+    for (const QString& found : bench.found)
+        QVERIFY2(QStringList({"", "charging", "discharging", "done", "ended"}).contains(found),
+                 qPrintable(found));
+    QCOMPARE(bench.watched.situation(Condition::Ended)->facts.cycle, 2);
+    QCOMPARE(bench.watched.situation(Condition::Ended)->facts.battery, QString("Demo Pack"));
 }
 
 void WatchDemoTest::an_application_that_is_killed_is_missed()
 {
     WatchedDemo bench;
-    bench.watch_until("discharging");
-    QCOMPARE(bench.found.join('/'), QString("/charging/discharging"));
+    bench.watch_until("charging");
+    QCOMPARE(bench.found.last(), QString("charging"));
     bench.demo.kill();
     QVERIFY(bench.demo.waitForFinished(PATIENCE_MS));
     QCOMPARE(bench.look(), QString("program-gone"));
