@@ -14,6 +14,7 @@ constexpr int READING_MS = 100;
 const char* const INDEX_FILE = "index";
 const char* const ERRORS_FILE = "forecasts.json";
 const QString BY_HAND = "User clicked";
+constexpr double WIDEST_SHARE = 0.3;
 constexpr double SAME_CUTOFF = 0.05;  // volts
 
 QString file_in(const QString& folder, const char* name)
@@ -118,6 +119,9 @@ void Forecaster::put_end(const WatchedLog& log, const Moment& moment, QList<Situ
         if (error >= 0.0)
             situation.facts.end_error = error;
     }
+    // A mere bound, as whole hours are, is no forecast that could be put to the test.
+    if (end.latest - end.earliest > WIDEST_SHARE * end.latest)
+        return;
     Made& first = made[log.path];
     if (first.leg != log.log->legs.size())
         first = {log.log->legs.size(), leg.kind, end.middle()};

@@ -41,7 +41,11 @@ bool LogHolders::holds(const Holder& holder, const FileIdentity& file) const
 
 bool LogHolders::lives(const Holder& holder) const
 {
-    return holder.is_known() && start_of_process(holder.process, roots) == holder.started;
+    // One that has ended and that nobody has asked for its status yet still has a number.
+    constexpr char ENDED[] = {'Z', 'X'};
+    const char state = state_of_process(holder.process, roots);
+    return holder.is_known() && start_of_process(holder.process, roots) == holder.started &&
+           std::find(std::begin(ENDED), std::end(ENDED), state) == std::end(ENDED);
 }
 
 bool LogHolders::program_runs_again(const Holder& holder) const

@@ -2,14 +2,17 @@
 #include "support/test_program.h"
 #include "watch_bench.h"
 
+#include "programs/common/open_files.h"
 #include "watch/log_memory.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QtTest>
 
+#include <csignal>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 Q_DECLARE_METATYPE(Writer)
@@ -22,6 +25,7 @@ class WatchWritersTest : public QObject
 private slots:
     void a_program_that_is_killed_is_gone_data();
     void a_program_that_is_killed_is_gone();
+    void a_program_that_nobody_has_missed_yet_is_gone();
     void a_watch_that_comes_back_finds_the_program_gone();
     void a_program_gone_is_over_when_the_test_goes_on();
     void a_program_that_merely_reads_is_no_writer();
@@ -143,6 +147,20 @@ void WatchWritersTest::a_program_that_is_killed_is_gone()
              place.watch->now.time.toSecsSinceEpoch());
     QTEST(place.watch->look_after(80000), "found");
     QCOMPARE(place.watch->look_after(86400), QString());
+}
+
+void WatchWritersTest::a_program_that_nobody_has_missed_yet_is_gone()
+{
+    Place place;
+    place.begin();
+    QCOMPARE(place.watch->look_after(2), QString("charging"));
+    const auto process = pid_t(place.program->shell.processId());
+    // Its parent, this test, does not ask for its status before it has been looked at.
+    QVERIFY(::kill(process, SIGKILL) == 0);
+    siginfo_t ended = {};
+    QVERIFY(::waitid(P_PID, id_t(process), &ended, WEXITED | WNOWAIT) == 0);
+    QCOMPARE(state_of_process(process, SystemRoots()), 'Z');
+    QCOMPARE(place.watch->look_after(2), QString("program-gone"));
 }
 
 void WatchWritersTest::a_watch_that_comes_back_finds_the_program_gone()
