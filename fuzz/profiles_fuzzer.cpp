@@ -64,7 +64,11 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     forget();
-    write_file(reinterpret_cast<const char*>(data), qint64(size));
+    // Nothing at all stands for no file, as at a first start.
+    if (size == 0)
+        QFile::remove(BatteryProfiles::get_filename());
+    else
+        write_file(reinterpret_cast<const char*>(data), qint64(size));
     if (!BatteryProfiles::load())
         return 0;
     for (auto at = BatteryProfiles::profiles.cbegin(); at != BatteryProfiles::profiles.cend(); ++at)

@@ -41,6 +41,28 @@ void require(bool condition)
     if (!condition)
         std::abort();
 }
+
+template <typename Value> void set_and_read(INIFile& ini, const QString& section, Value value)
+{
+    ini.set_value(section, "set", value);
+    Value read{};
+    require(ini.get_value(section, "set", read) && read == value);
+}
+
+/** What is set is what is read then; what is taken out is gone. */
+void change(INIFile& ini)
+{
+    const QString section = ini.get_section_names().value(0);
+    set_and_read(ini, section, QString("text"));
+    set_and_read(ini, section, -7);
+    set_and_read(ini, section, 0.5F);
+    set_and_read(ini, section, true);
+    ini.set_value(section, "set", "last");
+    INISection* found = nullptr;
+    require(ini.get_section(section, found) && found->delete_variable("set") == 1);
+    ini.delete_section(section);
+    require(!ini.get_section(section, found));
+}
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
@@ -70,5 +92,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     INIFile again(file.fileName());
     require(again.load());
     require(memory_of(again) == before);
+    change(again);
     return 0;
 }
