@@ -3,6 +3,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <thread>
+
 namespace
 {
 struct CommandName
@@ -52,7 +54,7 @@ void add_options(QCommandLineParser& parser)
         {{"r", "recursive"}, "Folders with all that lies below them."},
         {{"t", "to"}, "For repair and export: the folder for what is made.", "DIR"},
         {"zone", "The time zone of the logs, as Europe/Berlin; the system's if not given.", "ZONE"},
-        {"jobs", "Logs worked on at a time; one if not given.", "N"},
+        {"jobs", "Logs worked on at a time; one for each processor if not given.", "N"},
         {"force", "Replace files that exist."},
         {"json", "For info, check and repair: one JSON document in place of text."},
     });
@@ -83,6 +85,7 @@ QString take_values(const QCommandLineParser& parser, Options& options)
     options.force = parser.isSet("force");
     options.json = parser.isSet("json");
     options.to = parser.value("to");
+    options.jobs = qMax(1, int(std::thread::hardware_concurrency()));
     if (parser.isSet("jobs")) {
         bool ok = false;
         options.jobs = parser.value("jobs").toInt(&ok);

@@ -1,7 +1,13 @@
 #include "log/workers.h"
 
+#include <QCalendar>
+
+// The toolkit makes its calendar where a date is first read. Where two threads are the first, one of
+// them may find the name taken and the calendar not there yet: its date is no date then, and a good
+// log is refused. So this thread is the first.
 Workers::Workers(int count)
 {
+    const QCalendar calendar;
     for (int i = 0; i < count; ++i)
         threads.emplace_back([this] { run(); });
 }
