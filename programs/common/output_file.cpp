@@ -1,85 +1,20 @@
 #include "programs/common/output_file.h"
 
+#include "programs/common/unfinished_files.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QUuid>
 
-#include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <sched.h>
 #include <unistd.h>
 
 namespace
 {
 constexpr int PIECE = 1 << 18;  // bytes
-constexpr int MOST_FILES = 256;
-
-// Plain memory that a signal handler may read: a name is never freed while it stands here.
-std::atomic<char*> unfinished[MOST_FILES];
-
-std::atomic<bool> ending{false};
-std::atomic<int> opening{0};  // files that are being made at this moment
-thread_local int opening_here = 0;
-
-extern "C" void remove_unfinished_files(int signal_number)
-{
-    ending = true;
-    // What this very thread is about to make it makes no more.
-    while (opening > opening_here)
-        ::sched_yield();
-    for (std::atomic<char*>& name : unfinished)
-        if (const char* path = name.load())
-            ::unlink(path);
-    std::signal(signal_number, SIG_DFL);
-    ::raise(signal_number);
-}
-
-/** While one lives, a file is being made that a signal is to find. */
-class Opening
-{
-public:
-    Opening()
-    {
-        ++opening_here;
-        ++opening;
-        while (ending) {
-            // The end is near, and no file is to come after it.
-            --opening;
-            ::pause();
-            ++opening;
-        }
-    }
-    ~Opening()
-    {
-        --opening;
-        --opening_here;
-    }
-    Opening(const Opening&) = delete;
-    Opening& operator=(const Opening&) = delete;
-};
-
-int note_unfinished(const QByteArray& path)
-{
-    char* const copy = ::strdup(path.constData());
-    for (int i = 0; i < MOST_FILES; ++i) {
-        char* nobody = nullptr;
-        if (unfinished[i].compare_exchange_strong(nobody, copy))
-            return i;
-    }
-    std::free(copy);
-    return -1;
-}
-
-void forget_unfinished(int slot)
-{
-    if (slot >= 0)
-        std::free(unfinished[slot].exchange(nullptr));
-}
 
 QString system_error()
 {
@@ -129,9 +64,10 @@ OutputFile::OutputFile(const QString& target, bool forced) : path(target), force
 
 OutputFile::~OutputFile()
 {
+    const UnfinishedFiles::Step step;
     if (!file.fileName().isEmpty())
         file.remove();
-    forget_unfinished(slot);
+    UnfinishedFiles::forget(place);
 }
 
 bool OutputFile::fail(const QString& sentence)
@@ -148,8 +84,8 @@ bool OutputFile::open()
     if (!force && QFileInfo::exists(path))
         return fail(QString("%1 exists; add --force to replace it.").arg(path));
     const QString name = name_beside(path);
-    const Opening being_made;
-    slot = note_unfinished(QFile::encodeName(name));
+    const UnfinishedFiles::Step step;
+    place = UnfinishedFiles::note(QFile::encodeName(name));
     file.setFileName(name);
     if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
         return true;
@@ -187,13 +123,18 @@ void OutputFile::written_by_others(const QString& failure)
                  .arg(path, failure));
 }
 
-bool OutputFile::commit()
+bool OutputFile::make_whole()
 {
     if (!flush() || !error_text.isEmpty())
         return false;
     if (::fsync(file.handle()) != 0)
         return fail(QString("%1 cannot be written: %2.").arg(path, system_error()));
     file.close();
+    return true;
+}
+
+bool OutputFile::put_in_place()
+{
     const QByteArray from = QFile::encodeName(file.fileName());
     const QByteArray to = QFile::encodeName(path);
     const bool moved =
@@ -204,6 +145,27 @@ bool OutputFile::commit()
     return true;
 }
 
+const OutputFile* OutputFile::commit_together(const QVector<OutputFile*>& files)
+{
+    for (OutputFile* const one : files)
+        if (!one->make_whole())
+            return one;
+    const UnfinishedFiles::Step step;
+    for (int i = 0; i < files.size(); ++i) {
+        if (files[i]->put_in_place())
+            continue;
+        for (int done = 0; done < i; ++done)
+            QFile::remove(files[done]->path);
+        return files[i];
+    }
+    return nullptr;
+}
+
+bool OutputFile::commit()
+{
+    return commit_together({this}) == nullptr;
+}
+
 QString OutputFile::temporary_path() const
 {
     return file.fileName();
@@ -212,10 +174,4 @@ QString OutputFile::temporary_path() const
 QString OutputFile::error() const
 {
     return error_text;
-}
-
-void remove_unfinished_files_at_signals()
-{
-    for (const int signal_number : {SIGINT, SIGTERM, SIGHUP})
-        std::signal(signal_number, remove_unfinished_files);
 }

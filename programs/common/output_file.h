@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QString>
+#include <QVector>
 
 /**
  * A file that is there when it is whole and not before: made beside its place and then put there.
@@ -28,6 +29,13 @@ public:
     void written_by_others(const QString& failure);
     /** Puts the file in its place. False with an error; nothing is left then. */
     bool commit();
+    /**
+     * The same of several: all of them, or none, also where a signal comes. What they have replaced by
+     * `force` does not come back.
+     *
+     * @return the one that failed; null if all are in their places
+     */
+    static const OutputFile* commit_together(const QVector<OutputFile*>& files);
 
     /** Where the file is made: for a library that writes to a path. */
     QString temporary_path() const;
@@ -36,14 +44,13 @@ public:
 
 private:
     bool fail(const QString& sentence);
+    bool make_whole();
+    bool put_in_place();
 
     QString path;
     bool force;
     QFile file;
     QByteArray pending;
     QString error_text;
-    int slot = -1;  ///< among the files that a signal removes
+    int place = -1;  ///< among the files that a signal removes
 };
-
-/** Lets Ctrl-C and SIGTERM remove what is not whole. To be called once, at the start. */
-void remove_unfinished_files_at_signals();

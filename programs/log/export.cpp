@@ -104,23 +104,19 @@ private:
         return accepted && !input.line_too_long();
     }
 
-    /** Both files of a BDF table or none: each is whole before the first gets its name. */
+    /** Both files of a BDF table, or none. */
     Outcome write(OutputFile& out, const Exporter& exporter)
     {
-        std::unique_ptr<OutputFile> beside;
+        QVector<OutputFile*> files = {&out};
+        OutputFile beside(target_path(path, options.to, ".bdf.metadata.json"), options.force);
         if (const auto* bdf = dynamic_cast<const BdfExport*>(&exporter)) {
-            beside = std::make_unique<OutputFile>(
-                target_path(path, options.to, ".bdf.metadata.json"), options.force);
-            if (!beside->open())
-                return failure(beside->error());
-            beside->write(QJsonDocument(bdf->metadata(QFileInfo(path).fileName())).toJson());
-            if (!beside->flush())
-                return failure(beside->error());
+            if (!beside.open())
+                return failure(beside.error());
+            beside.write(QJsonDocument(bdf->metadata(QFileInfo(path).fileName())).toJson());
+            files << &beside;
         }
-        if (!out.commit())
-            return failure(out.error());
-        if (beside != nullptr && !beside->commit())
-            return failure(beside->error());
+        if (const OutputFile* const failed = OutputFile::commit_together(files))
+            return failure(failed->error());
         Outcome outcome;
         outcome.text = target + '\n';
         for (const QString& note : exporter.notes())

@@ -1,7 +1,7 @@
-#include "programs/common/output_file.h"
 #include "log/options.h"
 #include "log/run.h"
 #include "programs/common/terminal.h"
+#include "programs/common/unfinished_files.h"
 
 #include <QCoreApplication>
 
@@ -17,6 +17,6 @@ int main(int argc, char** argv)
     }
     if (!options.answer.isEmpty())
         return put(options.answer) ? EXIT_GOOD : EXIT_SOMETHING_TO_TELL;
-    remove_unfinished_files_at_signals();
+    UnfinishedFiles::remove_at_signals();
     return run(options);
 }

@@ -74,10 +74,11 @@ public:
             if (!reason.isEmpty())
                 return "what can be kept does not load: " + reason;
         }
+        QVector<OutputFile*> files;
         for (const Part& part : parts)
-            if (!part.file->commit())
-                return fail(*part.file);
-        return QString();
+            files << part.file.get();
+        const OutputFile* const failed = OutputFile::commit_together(files);
+        return failed == nullptr ? QString() : fail(*failed);
     }
 
     QStringList paths() const

@@ -107,6 +107,7 @@ void KestLogCareTest::a_signal_leaves_no_file_half_done_data()
     QTest::newRow("Ctrl-C, csv") << QStringList{"export", "-f", "csv"} << SIGINT;
     QTest::newRow("SIGTERM, xlsx") << QStringList{"export", "-f", "xlsx"} << SIGTERM;
     QTest::newRow("SIGHUP, json") << QStringList{"export", "-f", "json"} << SIGHUP;
+    QTest::newRow("SIGTERM, bdf") << QStringList{"export", "-f", "bdf"} << SIGTERM;
     QTest::newRow("SIGTERM, repair") << QStringList{"repair"} << SIGTERM;
 }
 
@@ -144,6 +145,8 @@ void KestLogCareTest::a_signal_leaves_no_file_half_done()
     QCOMPARE(process.exitStatus(), QProcess::CrashExit);
     QCOMPARE(process.exitCode(), signal_number);
     QVERIFY(!half_done());
+    QCOMPARE(place.names().filter(".metadata.json").size(),
+             place.names().filter(".bdf.csv").size());
 }
 
 void KestLogCareTest::what_is_no_log_is_told_by_every_command_data()
