@@ -105,5 +105,8 @@ void MainWindow::refresh_chart_station_list()
 
 void MainWindow::slot_refresh_chart_cycle_list()
 {
-    rebuild_cycle_checkbox_grid();
+    // A log's cycles come one after the other: laid out at the word that follows the last.
+    const auto* station = qobject_cast<TestStation*>(sender());
+    if (station == nullptr || !station->reads_log)
+        rebuild_cycle_checkbox_grid();
 }

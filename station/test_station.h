@@ -243,6 +243,7 @@ public:
     int number_of_cycles = 1;
     QFile* data_log = nullptr;  ///< owned; a test runs only while this is not null
     QFile* text_log = nullptr;  ///< owned
+    bool reads_log = false;     ///< more cycles may come before anything is painted
     QDateTime leg_start_time;   ///< start of the present charge or discharge
     Phase phase = PHASE_IDLE;
     TestCycle* current_cycle = nullptr;  ///< in progress or last finished; one of `cycles`

@@ -93,7 +93,9 @@ bool TestStation::read_log(QTextStream& stream, bool (*read)(QTextStream&, LogSi
         begin_cycle();
         return current_cycle;
     };
+    reads_log = true;
     const bool accepted = read(stream, sink);
+    reads_log = false;
     profile_name = sink.profile_name;
     serial_number = sink.serial_number;
     take(sink.parameters);

@@ -1,4 +1,5 @@
 #include "window_bench.h"
+#include "support/test_files.h"
 #include "support/test_program.h"
 
 #include <QAction>
@@ -36,7 +37,32 @@ private slots:
     void an_impossible_width_in_the_file_counts_as_not_measured();
     void a_rate_of_zero_in_the_file_does_not_end_the_program();
     void closing_the_window_switches_every_instrument_off();
+    void the_cycles_of_a_log_are_laid_out_once();
 };
+
+namespace
+{
+class MoveCounter : public QObject
+{
+public:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        moves += event->type() == QEvent::Move ? 1 : 0;
+        return false;
+    }
+
+    int moves = 0;
+};
+
+QList<QRect> places_in(const QWidget* parent)
+{
+    QList<QRect> places;
+    for (const QWidget* child :
+         parent->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+        places += child->geometry();
+    return places;
+}
+}  // namespace
 
 void WindowStationsTest::init()
 {
@@ -318,6 +344,25 @@ void WindowStationsTest::closing_the_window_switches_every_instrument_off()
     QCOMPARE(running.commands(), QByteArray("O"));
     // The second was off and commanded off: nothing to say twice.
     QCOMPARE(waiting.commands(), QByteArray("O"));
+}
+
+void WindowStationsTest::the_cycles_of_a_log_are_laid_out_once()
+{
+    WindowBench bench;
+    auto* station = new TestStation(bench.window.get(), nullptr);
+    bench.window->add_station(station);
+    MoveCounter counter;
+    station->serial_number_label.installEventFilter(&counter);
+    bench.answers.choose_path(test_data("whole/three_cycles.csv"));
+    station->findChild<QPushButton*>("pbLoadLog")->click();
+    QCOMPARE(station->cycles.size(), 3);
+    // Behind the last cycle, and not behind each of them in turn.
+    QCOMPARE(counter.moves, 1);
+
+    const auto* header = station->serial_number_label.parentWidget();
+    const QList<QRect> places = places_in(header);
+    bench.window->rebuild_cycle_checkbox_grid();
+    QCOMPARE(places_in(header), places);
 }
 
 KEST_TEST(WindowStationsTest)
