@@ -3,7 +3,7 @@
 
 #include "app/main_window.h"
 #include "device/kestrometer.h"
-#include "simulator/pseudo_terminal.h"
+#include "simulator/terminals.h"
 #include "station/test_station.h"
 
 #include <QApplication>
@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
-#include <memory>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -29,28 +28,6 @@ constexpr int LINES_PER_SECOND = 10;
 constexpr int SECONDS = 20;
 constexpr int PLAIN_SECONDS = 6;
 constexpr long BILLION = 1000000000;
-
-using Terminals = std::vector<std::unique_ptr<PseudoTerminal>>;
-
-Terminals open_terminals()
-{
-    Terminals terminals;
-    for (int i = 0; i < STATIONS; ++i) {
-        terminals.push_back(std::make_unique<PseudoTerminal>());
-        QString error;
-        if (!terminals.back()->open(error))
-            qFatal("%s", qPrintable(error));
-    }
-    return terminals;
-}
-
-void sleep_until(timespec& time, long nanoseconds_later)
-{
-    time.tv_nsec += nanoseconds_later;
-    time.tv_sec += time.tv_nsec / BILLION;
-    time.tv_nsec %= BILLION;
-    ::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr);
-}
 
 volatile std::sig_atomic_t in_bursts = 0;
 
@@ -68,8 +45,7 @@ void toggle_bursts(int)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::signal(SIGUSR1, toggle_bursts);
     std::vector<char> states(STATIONS, 'O');
-    timespec time = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    Beat beat;
     for (int turn = 0;; ++turn) {
         const auto i = size_t(turn % STATIONS);
         const QByteArray commands = terminals[i]->read();
@@ -82,9 +58,9 @@ void toggle_bursts(int)
                                          9.8 + 0.1 * (number * 5 % 4), int(i) + 1, states[i]);
         terminals[i]->write(QByteArray(line, length));
         if (in_bursts == 0)
-            sleep_until(time, BILLION / STATIONS / LINES_PER_SECOND);
+            beat.wait(BILLION / STATIONS / LINES_PER_SECOND);
         else if (i == STATIONS - 1)
-            sleep_until(time, BILLION / LINES_PER_SECOND);
+            beat.wait(BILLION / LINES_PER_SECOND);
     }
 }
 
@@ -166,10 +142,8 @@ void compare(int argc, char** argv, const QStringList& ports, pid_t instruments)
 
 int main(int argc, char** argv)
 {
-    Terminals terminals = open_terminals();
-    QStringList ports;
-    for (const auto& terminal : terminals)
-        ports += terminal->port_name();
+    Terminals terminals = open_terminals(STATIONS);
+    const QStringList ports = port_names(terminals);
     // Before any toolkit: the instruments are a process of their own, whose CPU does not count.
     const pid_t instruments = ::fork();
     if (instruments == 0)

@@ -1,4 +1,4 @@
-#include "simulator/pseudo_terminal.h"
+#include "simulator/terminals.h"
 
 #include "app/main_window.h"
 #include "config/settings.h"
@@ -14,8 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
-#include <memory>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
@@ -31,33 +29,6 @@ constexpr int LINES_PER_SECOND = 24;
 constexpr int KNOCK_MS = 20;
 constexpr long BILLION = 1000000000;
 
-using Terminals = std::vector<std::unique_ptr<PseudoTerminal>>;
-
-Terminals open_terminals()
-{
-    Terminals terminals;
-    for (int i = 0; i < STATIONS; ++i) {
-        terminals.push_back(std::make_unique<PseudoTerminal>());
-        QString error;
-        if (!terminals.back()->open(error))
-            qFatal("%s", qPrintable(error));
-    }
-    return terminals;
-}
-
-/** Who was held up, as on a machine that stood still, does not send all at once what was due. */
-void sleep_until(timespec& time, long nanoseconds_later)
-{
-    timespec now = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    if (now.tv_sec - time.tv_sec > 1)
-        time = now;
-    time.tv_nsec += nanoseconds_later;
-    time.tv_sec += time.tv_nsec / BILLION;
-    time.tv_nsec %= BILLION;
-    ::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &time, nullptr);
-}
-
 /**
  * All instruments in turn, evenly spread over the time. The volts count the lines of the discharge, in
  * hundredths, so that a row that is missing shows; the last line of each is told at the end.
@@ -67,8 +38,7 @@ void sleep_until(timespec& time, long nanoseconds_later)
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     std::vector<char> states(STATIONS, 'O');
     std::vector<int> numbers(STATIONS, 0);
-    timespec time = {};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    Beat beat;
     for (int turn = 0;; ++turn) {
         const auto i = size_t(turn % STATIONS);
         const QByteArray commands = terminals[i]->read();
@@ -79,7 +49,7 @@ void sleep_until(timespec& time, long nanoseconds_later)
                                          20.0 + 0.01 * numbers[i], int(i) + 1, states[i]);
         numbers[i] += states[i] == 'D' ? 1 : 0;
         terminals[i]->write(QByteArray(line, length));
-        sleep_until(time, BILLION / STATIONS / LINES_PER_SECOND);
+        beat.wait(BILLION / STATIONS / LINES_PER_SECOND);
     }
 }
 
@@ -215,10 +185,8 @@ int measure(int argc, char** argv, const QStringList& ports)
 /** load SECONDS: rows of all logs, rows missing between them, milliseconds of 99 knocks in 100, knocks. */
 int main(int argc, char** argv)
 {
-    Terminals terminals = open_terminals();
-    QStringList ports;
-    for (const auto& terminal : terminals)
-        ports += terminal->port_name();
+    Terminals terminals = open_terminals(STATIONS);
+    const QStringList ports = port_names(terminals);
     const pid_t instruments = ::fork();
     if (instruments == 0)
         play_instruments(terminals);
