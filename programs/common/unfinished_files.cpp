@@ -11,7 +11,7 @@ namespace UnfinishedFiles
 namespace
 {
 constexpr int MOST_FILES = 256;
-constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int SIGNALS[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU};
 
 // Plain memory that a signal handler may read. It changes within steps only, and is read when all of
 // them are over: no name is freed, and another put in its place, while it is used.
@@ -36,7 +36,11 @@ extern "C" void remove_unfinished_files(int signal_number)
 void remove_at_signals()
 {
     for (const int signal_number : SIGNALS)
-        std::signal(signal_number, remove_unfinished_files);
+        // What was ignored before, as behind nohup, stays so.
+        if (std::signal(signal_number, remove_unfinished_files) == SIG_IGN)
+            std::signal(signal_number, SIG_IGN);
+    // A file beyond the limit of its user is an error like a full disk, with a sentence.
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 int note(const QByteArray& path)

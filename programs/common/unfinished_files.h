@@ -4,7 +4,7 @@
 
 #include <csignal>
 
-/** Files in the making: Ctrl-C, SIGTERM and a lost terminal remove them and end the program then. */
+/** Files in the making: Ctrl-C, SIGTERM, a lost terminal or pipe remove them and end the program then. */
 namespace UnfinishedFiles
 {
 /** To be called once, at the start. */

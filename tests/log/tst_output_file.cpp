@@ -8,6 +8,8 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
@@ -21,7 +23,10 @@ class OutputFileTest : public QObject
 private slots:
     void a_signal_between_two_files_waits_for_the_second_data();
     void a_signal_between_two_files_waits_for_the_second();
-    void a_signal_before_the_first_leaves_none();
+    void a_signal_leaves_none_of_them_data();
+    void a_signal_leaves_none_of_them();
+    void a_signal_that_was_ignored_stays_so();
+    void a_file_beyond_the_limit_is_an_error();
     void the_first_goes_if_the_second_finds_no_place();
 };
 
@@ -90,17 +95,51 @@ void OutputFileTest::a_signal_between_two_files_waits_for_the_second()
     QCOMPARE(place.names(), (QStringList{"a", "b"}));
 }
 
-void OutputFileTest::a_signal_before_the_first_leaves_none()
+void OutputFileTest::a_signal_leaves_none_of_them_data()
 {
+    QTest::addColumn<int>("number");
+    QTest::newRow("Ctrl-C") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("a terminal that is gone") << SIGHUP;
+    QTest::newRow("nobody who reads on") << SIGPIPE;
+}
+
+void OutputFileTest::a_signal_leaves_none_of_them()
+{
+    QFETCH(int, number);
     const Place place;
-    const int number = signal_that_ends([&] {
+    const int ended_by = signal_that_ends([&] {
         OutputFile first(place.path("a"), false);
         OutputFile second(place.path("b"), false);
         first.open();
         second.open();
-        ::raise(SIGTERM);
+        ::raise(number);
     });
-    QCOMPARE(number, SIGTERM);
+    QCOMPARE(ended_by, number);
+    QCOMPARE(place.names(), QStringList());
+}
+
+void OutputFileTest::a_signal_that_was_ignored_stays_so()
+{
+    std::signal(SIGHUP, SIG_IGN);
+    const int ended_by = signal_that_ends([] { ::raise(SIGHUP); });
+    std::signal(SIGHUP, SIG_DFL);
+    QCOMPARE(ended_by, 0);
+}
+
+void OutputFileTest::a_file_beyond_the_limit_is_an_error()
+{
+    const Place place;
+    const int ended_by = signal_that_ends([&] {
+        const rlimit limit = {1000, 1000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        OutputFile file(place.path("a"), false);
+        file.open();
+        file.write(QByteArray(2000, 'x'));
+        if (file.commit() || !file.error().contains("File too large"))
+            ::abort();
+    });
+    QCOMPARE(ended_by, 0);
     QCOMPARE(place.names(), QStringList());
 }
 
