@@ -56,6 +56,16 @@ bool open_input(LogInput& input, const QString& path, LogFile& file)
     file.refusal = {0, 0, input.errorString()};
     return false;
 }
+
+/** What could be read of a log on a failing disk says nothing of the log. */
+bool was_read(const LogInput& input, LogFile& file)
+{
+    if (!input.failed())
+        return true;
+    file.accepted = false;
+    file.refusal = {0, 0, input.errorString()};
+    return false;
+}
 }  // namespace
 
 void LogCheck::row_read(const Section& section, const Row& row, const LogLine& line)
@@ -134,10 +144,17 @@ void LogCheck::warn_of_an_earlier_test()
 
 void LogCheck::warn_of_file(const LogInput& input)
 {
-    if (input.ends_with_nul())
+    if (input.has_wide_characters())
+        file.warnings.append({0, "in UTF-16 or UTF-32, as another program has saved it"});
+    else if (input.ends_with_nul())
         file.warnings.append({0, "zeros at the end, as after a loss of power"});
     else if (!input.ends_with_line_end())
         file.warnings.append({0, "the last line has no end: cut off, or being written"});
+    if (input.begins_with_byte_order_mark() && !input.has_wide_characters())
+        file.warnings.append(
+            {0, "a byte order mark at its beginning, as another program has saved it"});
+    if (input.has_carriage_returns() && !input.has_wide_characters())
+        file.warnings.append({0, "carriage returns, as Windows puts at the ends of lines"});
     if (!file.events.exists)
         file.warnings.append({0, "no event log beside it"});
     else if (!file.events.two_writers.isEmpty())
@@ -166,7 +183,7 @@ bool check_log(const QString& path, LogFile& file)
     bool accepted = false;
     read_into(input, file, check, accepted);
     check.finish_check(accepted, input);
-    return true;
+    return was_read(input, file);
 }
 
 bool summarize_log(const QString& path, LogFile& file)
@@ -178,7 +195,7 @@ bool summarize_log(const QString& path, LogFile& file)
     bool accepted = false;
     read_into(input, file, summary, accepted);
     summary.finish(accepted);
-    return true;
+    return was_read(input, file);
 }
 
 QString why_not_writable(const QString& path)

@@ -1,14 +1,19 @@
 #include "records/log_input.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace
 {
+const QByteArray UTF_8_MARK = "\xef\xbb\xbf";
+const QByteArray WIDE_MARKS[] = {"\xff\xfe", "\xfe\xff", QByteArray("\0\0\xfe\xff", 4)};
+
 std::atomic<qint64> all_bytes{0};
 
 /** A descriptor for reading; -1 with errno. A FIFO without a writer does not hold it up. */
@@ -77,11 +82,33 @@ bool LogInput::has_carriage_returns() const
     return carriage_returns;
 }
 
+bool LogInput::begins_with_byte_order_mark() const
+{
+    return has_wide_characters() || first_bytes.startsWith(UTF_8_MARK);
+}
+
+bool LogInput::has_wide_characters() const
+{
+    return std::any_of(std::begin(WIDE_MARKS), std::end(WIDE_MARKS),
+                       [this](const QByteArray& mark) { return first_bytes.startsWith(mark); });
+}
+
+bool LogInput::failed() const
+{
+    return read_failed;
+}
+
 qint64 LogInput::readData(char* data, qint64 most)
 {
     const qint64 count = too_long ? 0 : file.read(data, qMin(most, size_at_open - read_so_far));
+    if (count < 0) {
+        read_failed = true;
+        setErrorString(file.errorString());
+    }
     if (count <= 0)
         return -1;
+    if (read_so_far == 0)
+        first_bytes = QByteArray(data, int(qMin(count, qint64(4))));
     const void* const line_end = ::memrchr(data, '\n', size_t(count));
     if (line_end != nullptr)
         line_begin = read_so_far + (static_cast<const char*>(line_end) - data) + 1;

@@ -12,7 +12,7 @@
 class LogInput : public QIODevice
 {
 public:
-    static constexpr qint64 LONGEST_LINE = 64 * 1024 * 1024;  ///< bytes
+    static constexpr qint64 LONGEST_LINE = qint64(64) * 1024 * 1024;  ///< bytes
 
     /** Leaves the time of the last access as it is where the system allows. False: see errorString. */
     bool open_log(const QString& path);
@@ -26,8 +26,14 @@ public:
     bool ends_with_line_end() const;
     bool ends_with_nul() const;
     bool line_too_long() const;
-    /** CR LF line ends were among those read. */
+    /** Among the bytes read; the application passes over them. */
     bool has_carriage_returns() const;
+    /** Bytes before the first character, as other programs save texts. */
+    bool begins_with_byte_order_mark() const;
+    /** By that mark, of UTF-16 or UTF-32. */
+    bool has_wide_characters() const;
+    /** What could be read ended before the file did: see errorString. */
+    bool failed() const;
 
 protected:
     qint64 readData(char* data, qint64 most) override;
@@ -40,7 +46,9 @@ private:
     qint64 read_so_far = 0;
     qint64 line_begin = 0;
     qint64 size_at_open = 0;
+    QByteArray first_bytes;
     char last = '\n';
     bool too_long = false;
     bool carriage_returns = false;
+    bool read_failed = false;
 };

@@ -36,6 +36,15 @@ QString coloured(const QString& text, Colour colour, std::FILE* stream)
     return QString("\x1b[%1m").arg(code_of(colour)) + text + "\x1b[0m";
 }
 
+QString shown(QString text)
+{
+    for (QChar& character : text)
+        // Two of these make a character beyond the first 65,536.
+        if (!character.isPrint() && !character.isSurrogate())
+            character = QChar(QChar::ReplacementCharacter);
+    return text;
+}
+
 void tell(const QString& text)
 {
     const QByteArray line =

@@ -15,6 +15,9 @@ enum class Colour
 /** In colour where `stream` is a terminal and NO_COLOR is not set; the words tell all the same. */
 QString coloured(const QString& text, Colour colour, std::FILE* stream);
 
+/** On one line, without what a terminal might obey: names may hold anything. */
+QString shown(QString text);
+
 /** "kest-log: TEXT" with a line end, on standard error. */
 void tell(const QString& text);
 

@@ -65,9 +65,10 @@ QStringList BdfExport::notes() const
 {
     if (charge_rows == 0)
         return QStringList();
-    return {QString("%1 rows of charges are left out: the log holds no current for them, which the "
-                    "Battery Data Format requires.")
-                .arg(charge_rows)};
+    const QString rows = charge_rows == 1 ? "1 row of a charge is"
+                                          : QString("%1 rows of charges are").arg(charge_rows);
+    return {rows + " left out: the log holds no current there, which the Battery Data Format "
+                   "requires."};
 }
 
 QJsonObject BdfExport::metadata(const QString& log_name) const

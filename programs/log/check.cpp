@@ -9,7 +9,7 @@ namespace
 {
 QString line_of(const LogFile& file, const QString& text, Colour colour)
 {
-    return file.path + ": " + coloured(text, colour, stdout) + '\n';
+    return shown(file.path) + ": " + coloured(shown(text), colour, stdout) + '\n';
 }
 
 QString verdict(const LogFile& file, const QString& not_writable)
@@ -35,7 +35,7 @@ Outcome check_of(const QString& path)
 {
     LogFile file;
     if (!check_log(path, file))
-        return Outcome::failure(path, not_readable(file));
+        return Outcome::failure(path, not_readable(path, file.refusal.reason));
     const QString not_writable = why_not_writable(path);
     Outcome outcome;
     outcome.text = verdict(file, not_writable);

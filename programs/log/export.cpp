@@ -1,5 +1,6 @@
 #include "log/export.h"
 
+#include "programs/common/terminal.h"
 #include "log/bdf_export.h"
 #include "log/csv_export.h"
 #include "log/json_export.h"
@@ -66,8 +67,7 @@ public:
     {
         LogInput input;
         if (!input.open_log(path))
-            return failure(QString("%1 cannot be read: %2. Name a data log, or a folder with such.")
-                               .arg(path, input.errorString()));
+            return failure(not_readable(path, input.errorString()));
         if (!claim_target(target))
             return failure(QString("%1 has been made of another log just now; export this one to "
                                    "another folder with --to.")
@@ -79,7 +79,10 @@ public:
         if (exporter == nullptr)
             return failure("This kest-log was built without xlsx; install libxlsxwriter-dev and "
                            "build it again.");
-        if (!read(input, *exporter))
+        const bool accepted = read(input, *exporter);
+        if (input.failed())
+            return failure(not_readable(path, input.errorString()));
+        if (!accepted)
             return failure(QString("%1 does not load: %2.").arg(path, place_of(exporter->refusal)) +
                            (exporter->generation == LogGeneration::None
                                 ? ""
@@ -118,7 +121,7 @@ private:
         if (const OutputFile* const failed = OutputFile::commit_together(files))
             return failure(failed->error());
         Outcome outcome;
-        outcome.text = target + '\n';
+        outcome.text = shown(target) + '\n';
         for (const QString& note : exporter.notes())
             outcome.messages << path + ": " + note;
         return outcome;

@@ -2,6 +2,7 @@
 
 #include "common/date_time.h"
 #include "common/time_span.h"
+#include "programs/common/terminal.h"
 #include "programs/common/text_table.h"
 #include "log/log_json.h"
 #include "log/place.h"
@@ -32,9 +33,9 @@ QString section_name(const Section& section)
 
 QString head_text(const LogFile& file)
 {
-    QString text = file.path + '\n';
+    QString text = shown(file.path) + '\n';
     const auto add = [&text](const char* label, const QString& value) {
-        text += QString("  %1 %2\n").arg(label, -14).arg(value);
+        text += QString("  %1 %2\n").arg(label, -14).arg(shown(value));
     };
     add("battery", file.battery);
     add("serial number", file.serial_number);
@@ -66,25 +67,37 @@ QString sections_text(const LogFile& file)
     return table.text("  ");
 }
 
+/** The heads of the other generation do not tell it. */
+const char* const UNTOLD = "?";
+
 QString yes_or_no(bool flag)
 {
     return flag ? "yes" : "no";
 }
 
+QStringList parameters_row(const Section& section, LogGeneration generation)
+{
+    const TestParameters& parameters = section.parameters;
+    const bool current = generation == LogGeneration::Current;
+    const bool interval = current && parameters.measure_internal_resistance;
+    return {section_name(section),
+            QString::number(parameters.max_charge_time / 3600.0),
+            current ? yes_or_no(parameters.detect_full_charge) : UNTOLD,
+            QString::number(parameters.low_voltage_cutoff),
+            yes_or_no(parameters.prompt_to_discharge),
+            QString::number(parameters.final_voltage),
+            current ? yes_or_no(parameters.measure_internal_resistance) : UNTOLD,
+            interval ? QString::number(parameters.internal_resistance_test_interval_ah) : UNTOLD,
+            current ? QString() : QString::number(parameters.number_of_cycles)};
+}
+
 QString parameters_text(const LogFile& file)
 {
     TextTable table({"section", ">max charge (h)", "detect full", ">cutoff (V)", "prompt",
-                     ">final (V)", "resistance", ">interval (Ah)"});
-    for (const Section& section : file.sections) {
-        const TestParameters& parameters = section.parameters;
-        table.add({section_name(section), QString::number(parameters.max_charge_time / 3600.0),
-                   yes_or_no(parameters.detect_full_charge),
-                   QString::number(parameters.low_voltage_cutoff),
-                   yes_or_no(parameters.prompt_to_discharge),
-                   QString::number(parameters.final_voltage),
-                   yes_or_no(parameters.measure_internal_resistance),
-                   QString::number(parameters.internal_resistance_test_interval_ah)});
-    }
+                     ">final (V)", "resistance", ">interval (Ah)",
+                     file.generation == LogGeneration::Older ? ">cycles" : ""});
+    for (const Section& section : file.sections)
+        table.add(parameters_row(section, file.generation));
     return table.text("  ");
 }
 
@@ -113,8 +126,9 @@ QString gaps_text(const LogFile& file)
     for (const Section& section : file.sections)
         for (const Gap& gap : section.count.gaps) {
             any = true;
+            const QString reason = gap_reason(file.events, section, gap);
             table.add({section_name(section), QString::number(gap.line), fixed(gap.begin, 1),
-                       fixed(gap.seconds, 1), gap_reason(file.events, section, gap)});
+                       fixed(gap.seconds, 1), reason.isEmpty() ? "?" : reason});
         }
     return any ? "\n" + table.text("  ") : QString();
 }
@@ -179,7 +193,7 @@ QString info_line(const LogFile& file, int widest_name)
         watt_hours += cycle.watt_hours_live;
     for (const Section& section : file.sections)
         gaps += section.count.gap_count;
-    return in_columns({file.path, file.battery, file.serial_number,
+    return in_columns({shown(file.path), shown(file.battery), shown(file.serial_number),
                        generation_name(file.generation), file.accepted ? "yes" : "no",
                        QString::number(file.cycles.size()), fixed(file.amp_hours(), 3),
                        fixed(watt_hours, 3), QString::number(rows_of(file)),
@@ -199,7 +213,7 @@ Outcome info_of(const QString& path, int widest_name)
 {
     LogFile file;
     if (!summarize_log(path, file))
-        return Outcome::failure(path, not_readable(file));
+        return Outcome::failure(path, not_readable(path, file.refusal.reason));
     Outcome outcome;
     outcome.text = widest_name > 0 ? info_line(file, widest_name) : info_text(file);
     outcome.json = info_json(file);

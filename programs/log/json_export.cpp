@@ -61,7 +61,7 @@ void JsonExport::section_begun(const Section& section)
     out.write(opened({{"kind", kind_name(section.kind)},
                       {"number", section.number},
                       {"start", start.isEmpty() ? QJsonValue() : start},
-                      {"parameters", parameters_json(section.parameters)},
+                      {"parameters", parameters_json(section.parameters, generation)},
                       {"columns", columns}}) +
               ",\"rows\":[");
     first_row = true;

@@ -1,6 +1,7 @@
 #include "log/log_json.h"
 
 #include "common/date_time.h"
+#include "log/place.h"
 
 #include <QJsonArray>
 
@@ -19,17 +20,20 @@ QJsonValue time(const QDateTime& local)
     return local.isValid() ? QJsonValue(local.toString("yyyy-MM-ddThh:mm:ss")) : QJsonValue();
 }
 
-QJsonObject gap_json(const Gap& gap)
+QJsonObject gap_json(const Gap& gap, const QString& reason)
 {
-    return {
-        {"line", gap.line}, {"begin_seconds", number(gap.begin)}, {"seconds", number(gap.seconds)}};
+    return {{"line", gap.line},
+            {"begin_seconds", number(gap.begin)},
+            {"seconds", number(gap.seconds)},
+            {"reason", reason.isEmpty() ? QJsonValue() : reason}};
 }
 
-QJsonObject rows_json(const RowCount& count)
+QJsonObject rows_json(const Section& section, const EventLog& events)
 {
+    const RowCount& count = section.count;
     QJsonArray gaps;
     for (const Gap& gap : count.gaps)
-        gaps << gap_json(gap);
+        gaps << gap_json(gap, gap_reason(events, section, gap));
     QJsonArray steps;
     for (const ClockStep& step : count.steps)
         steps << QJsonObject{{"line", step.line}, {"seconds", number(step.seconds)}};
@@ -45,7 +49,7 @@ QJsonObject rows_json(const RowCount& count)
             {"out_of_order", count.rows_out_of_order}};
 }
 
-QJsonObject section_json(const Section& section)
+QJsonObject section_json(const LogFile& file, const Section& section)
 {
     const auto volts = [&section](double value) {
         return section.count.rows > 0 ? number(value) : QJsonValue();
@@ -54,8 +58,8 @@ QJsonObject section_json(const Section& section)
             {"number", section.number},
             {"line", section.line},
             {"start", time(section.start)},
-            {"parameters", parameters_json(section.parameters)},
-            {"rows", rows_json(section.count)},
+            {"parameters", parameters_json(section.parameters, file.generation)},
+            {"rows", rows_json(section, file.events)},
             {"first_volts", volts(section.first_volts)},
             {"lowest_volts", volts(section.lowest_volts)},
             {"last_volts", volts(section.last_volts)}};
@@ -121,23 +125,29 @@ QString generation_name(LogGeneration generation)
     return "none";
 }
 
-QJsonObject parameters_json(const TestParameters& parameters)
+QJsonObject parameters_json(const TestParameters& parameters, LogGeneration generation)
 {
-    return {
-        {"max_charge_seconds", parameters.max_charge_time},
-        {"detect_full_charge", parameters.detect_full_charge},
-        {"low_voltage_cutoff_volts", number(parameters.low_voltage_cutoff)},
-        {"prompt_to_discharge", parameters.prompt_to_discharge},
-        {"final_charge_volts", number(parameters.final_voltage)},
-        {"measure_internal_resistance", parameters.measure_internal_resistance},
-        {"resistance_interval_amp_hours", number(parameters.internal_resistance_test_interval_ah)}};
+    const bool current = generation == LogGeneration::Current;
+    const bool interval = current && parameters.measure_internal_resistance;
+    const auto told = [](bool is_told, const QJsonValue& value) {
+        return is_told ? value : QJsonValue();
+    };
+    return {{"max_charge_seconds", parameters.max_charge_time},
+            {"detect_full_charge", told(current, parameters.detect_full_charge)},
+            {"low_voltage_cutoff_volts", number(parameters.low_voltage_cutoff)},
+            {"prompt_to_discharge", parameters.prompt_to_discharge},
+            {"final_charge_volts", number(parameters.final_voltage)},
+            {"measure_internal_resistance", told(current, parameters.measure_internal_resistance)},
+            {"resistance_interval_amp_hours",
+             told(interval, number(parameters.internal_resistance_test_interval_ah))},
+            {"number_of_cycles", told(!current, parameters.number_of_cycles)}};
 }
 
 QJsonObject info_json(const LogFile& file)
 {
     QJsonArray sections;
     for (const Section& section : file.sections)
-        sections << section_json(section);
+        sections << section_json(file, section);
     QJsonArray cycles;
     for (const Cycle& cycle : file.cycles)
         cycles << cycle_json(cycle, file.sections[cycle.section]);

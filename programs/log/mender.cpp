@@ -8,6 +8,7 @@ namespace
 {
 const QByteArray CHARGE_TITLES = LogFormat::CHARGE_TITLES;
 const QByteArray DISCHARGE_TITLES = LogFormat::DISCHARGE_TITLES;
+const QByteArray BYTE_ORDER_MARK = "\xef\xbb\xbf";
 constexpr int OLDER_HEAD_LINES = 7;
 
 const char* const NO_SENSE = "no line in the application's own form";
@@ -57,8 +58,12 @@ void Mender::finish()
         failure = "the head of the log is cut off";
 }
 
-void Mender::take_first_line(const QByteArray& line)
+void Mender::take_first_line(const QByteArray& whole_line)
 {
+    const bool marked = whole_line.startsWith(BYTE_ORDER_MARK);
+    const QByteArray line = marked ? whole_line.mid(BYTE_ORDER_MARK.size()) : whole_line;
+    if (marked)
+        notes << "The byte order mark at its beginning is left out.";
     switch (log_generation(text_of(line.left(LONGEST_ROW)))) {
     case LogGeneration::Current:
         in = In::FileHead;

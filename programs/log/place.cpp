@@ -7,16 +7,16 @@ QString place_of(const LogRefusal& refusal)
     return QString("line %1, column %2: ").arg(refusal.line).arg(refusal.column) + refusal.reason;
 }
 
-QString not_readable(const LogFile& file)
+QString not_readable(const QString& path, const QString& reason)
 {
     return QString("%1 cannot be read: %2. Name a data log, or a folder with such.")
-        .arg(file.path, file.refusal.reason);
+        .arg(path, reason);
 }
 
 QString gap_reason(const EventLog& events, const Section& section, const Gap& gap)
 {
     if (!events.exists || !section.start.isValid())
-        return "?";
+        return QString();
     const QDateTime begin = section.start.addMSecs(qint64(gap.begin * 1000.0));
     const QDateTime end = begin.addMSecs(qint64(gap.seconds * 1000.0)).addSecs(1);
     const auto in_gap = [&](const QDateTime& reset) {

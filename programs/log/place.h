@@ -6,7 +6,7 @@
 QString place_of(const LogRefusal& refusal);
 
 /** A sentence about a log that could not even be read. */
-QString not_readable(const LogFile& file);
+QString not_readable(const QString& path, const QString& reason);
 
-/** "silence" if the instrument was reset meanwhile, "sleep or stop" if nothing happened; "?" unknown. */
+/** "silence of the instrument" if it was reset meanwhile, another if it was not; empty if unknown. */
 QString gap_reason(const EventLog& events, const Section& section, const Gap& gap);

@@ -1,6 +1,7 @@
 #include "log/repair.h"
 
 #include "programs/common/output_file.h"
+#include "programs/common/terminal.h"
 #include "log/mender.h"
 #include "log/old_tail.h"
 #include "log/options.h"
@@ -130,8 +131,14 @@ void mend(LogInput& input, Mender& mender, const QString& error)
         return error.isEmpty() && mender.failure.isEmpty();
     });
     mender.finish();
+    if (input.has_carriage_returns())
+        mender.notes << "Carriage returns, which no test writes, are left out.";
+    if (input.has_wide_characters())
+        mender.failure = "it is in UTF-16 or UTF-32; save it as UTF-8";
     if (input.line_too_long())
         mender.failure = "a line of more than 64 MB";
+    if (input.failed())
+        mender.failure = "it cannot be read to its end: " + input.errorString();
 }
 
 qint64 old_tail_of(LogInput& input, const EventLog& events)
@@ -174,11 +181,12 @@ Outcome told(const QString& path, const QStringList& copies, const Mender& mende
     outcome.code = EXIT_SOMETHING_TO_TELL;
     QJsonArray left_out;
     for (const QString& copy : copies)
-        outcome.text += path + ": mended in " + copy + '\n';
+        outcome.text += shown(path + ": mended in " + copy) + '\n';
     for (const QString& note : mender.notes)
-        outcome.text += path + ": " + note + '\n';
+        outcome.text += shown(path + ": " + note) + '\n';
     for (const LeftOut& lines : mender.left_out) {
-        outcome.text += path + ": left out " + lines_text(lines) + ": " + lines.reason + '\n';
+        outcome.text +=
+            shown(path) + ": left out " + lines_text(lines) + ": " + lines.reason + '\n';
         left_out << left_out_json(lines);
     }
     outcome.json = {{"file", path},
@@ -193,7 +201,7 @@ Outcome told(const QString& path, const QStringList& copies, const Mender& mende
 Outcome nothing_to_do(const QString& path)
 {
     Outcome outcome;
-    outcome.text = path + ": needs nothing\n";
+    outcome.text = shown(path) + ": needs nothing\n";
     outcome.json = {{"file", path}, {"result", "needs nothing"}};
     return outcome;
 }
@@ -202,7 +210,7 @@ Outcome not_mended(const QString& path, const QString& reason)
 {
     Outcome outcome;
     outcome.code = EXIT_SOMETHING_TO_TELL;
-    outcome.text = path + ": not mended: " + reason + '\n';
+    outcome.text = shown(path + ": not mended: " + reason) + '\n';
     outcome.json = {{"file", path}, {"result", "not mended"}, {"reason", reason}};
     return outcome;
 }
@@ -218,6 +226,9 @@ Outcome make_copy(const QString& path, const Options& options, qint64 tail_line)
     mend(input, mender, files.error);
     if (!files.error.isEmpty())
         return Outcome::failure(path, files.error);
+    // Its last line was being written at the first look.
+    if (mender.untouched())
+        return nothing_to_do(path);
     const QString reason = mender.failure.isEmpty() ? files.commit() : mender.failure;
     if (!files.error.isEmpty())
         return Outcome::failure(path, files.error);
@@ -234,9 +245,7 @@ Outcome repair_of(const QString& path, const Options& options)
     LogInput look;
     LogInput again;
     if (!look.open_log(path) || !again.open_log(path))
-        return Outcome::failure(path, QString("%1 cannot be read: %2. Name a data log, or a folder "
-                                              "with such.")
-                                          .arg(path, look.errorString()));
+        return Outcome::failure(path, not_readable(path, look.errorString()));
     const qint64 tail_line = old_tail_of(look, events);
     NoParts nowhere;
     Mender needed(nowhere);

@@ -67,7 +67,7 @@ public:
     void add(const Outcome& outcome)
     {
         for (const QString& message : outcome.messages)
-            tell(message);
+            tell(shown(message));
         if (json)
             whole &= put((first ? "\n" : ",\n") + json_line(outcome));
         else
@@ -124,10 +124,10 @@ ExitCode work_on(const QStringList& files, const Options& options, const Work& w
 
 ExitCode run(const Options& options)
 {
-    QStringList unmatched;
-    const QStringList files = input_files(options.files, options.recursive, unmatched);
-    for (const QString& word : unmatched)
-        tell(QString("%1 means no log at all.").arg(word));
+    QStringList complaints;
+    const QStringList files = input_files(options.files, options.recursive, complaints);
+    for (const QString& complaint : qAsConst(complaints))
+        tell(shown(complaint));
     const bool table = options.command == Command::Info && files.size() > 1 && !options.json;
     Report report(options.json, table ? info_titles(widest_of(files)) : QString());
     const ExitCode code = work_on(files, options, work_of(options, files), report);
@@ -135,5 +135,5 @@ ExitCode run(const Options& options)
         tell("Standard output takes no more.");
         return EXIT_SOMETHING_TO_TELL;
     }
-    return unmatched.isEmpty() ? code : EXIT_SOMETHING_TO_TELL;
+    return complaints.isEmpty() ? code : EXIT_SOMETHING_TO_TELL;
 }

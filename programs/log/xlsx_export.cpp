@@ -218,9 +218,10 @@ private:
         add("", "serial number", serial_number);
         for (const Section& section : qAsConst(sections)) {
             const QString name = QString("%1 %2").arg(kind_name(section.kind)).arg(section.number);
-            const QJsonObject values = parameters_json(section.parameters);
+            const QJsonObject values = parameters_json(section.parameters, generation);
             for (auto value = values.begin(); value != values.end(); ++value)
-                add(name, value.key(), value.value().toVariant().toString());
+                if (!value.value().isNull())
+                    add(name, value.key(), value.value().toVariant().toString());
         }
         return to;
     }

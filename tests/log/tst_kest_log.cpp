@@ -32,7 +32,9 @@ private slots:
     void repair_splits_an_older_head_from_current_sections();
     void repair_leaves_alone_what_two_stations_wrote();
     void a_target_that_exists_stays_without_force();
-    void folders_are_read_below_only_when_asked();
+    void repair_takes_out_what_another_program_put_in_data();
+    void repair_takes_out_what_another_program_put_in();
+    void info_knows_what_no_older_log_tells();
     void two_logs_of_one_name_do_not_meet_in_a_folder();
 };
 
@@ -266,18 +268,56 @@ void KestLogTest::a_target_that_exists_stays_without_force()
     QCOMPARE(place.names(), (QStringList{"a.csv", "a.repaired.csv"}));
 }
 
-void KestLogTest::folders_are_read_below_only_when_asked()
+void KestLogTest::repair_takes_out_what_another_program_put_in_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QString>("said");
+    const QByteArray whole = sample("current_one_cycle.csv");
+    QTest::newRow("carriage returns")
+        << QByteArray(whole).replace("\n", "\r\n")
+        << "mended in a.repaired.csv|Carriage returns, which no test writes, are left out.";
+    QTest::newRow("a byte order mark")
+        << "\xef\xbb\xbf" + whole
+        << "mended in a.repaired.csv|The byte order mark at its beginning is left out.";
+    QTest::newRow("two bytes a character")
+        << QByteArray("\xff\xfeK\0e\0", 6)
+        << "not mended: it is in UTF-16 or UTF-32; save it as UTF-8";
+}
+
+void KestLogTest::repair_takes_out_what_another_program_put_in()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QString, said);
+    const Place place;
+    place.write("a.csv", log);
+    const Run run = place.run({"repair", "a.csv"});
+    QCOMPARE(run.output, "a.csv: " + said.replace("|", "\na.csv: ") + '\n');
+    QCOMPARE(run.status, 1);
+    if (said.startsWith("mended"))
+        QCOMPARE(content_of(place.path("a.repaired.csv")), sample("current_one_cycle.csv"));
+    else
+        QCOMPARE(place.names(), QStringList{"a.csv"});
+}
+
+void KestLogTest::info_knows_what_no_older_log_tells()
 {
     const Place place;
-    QDir(place.path(".")).mkdir("below");
-    place.write("a.csv", sample("current_one_cycle.csv"));
-    place.write("a.tidy.csv", "made by an export");
-    place.write("below/b.csv", sample("current_one_cycle.csv"));
-    QCOMPARE(place.run({"check", "--json", "."}).json()["files"].toArray().size(), 1);
-    QCOMPARE(place.run({"check", "--json", "-r", "."}).json()["files"].toArray().size(), 2);
-    QCOMPARE(place.run({"check", "--json", "below/*.csv"}).json()["files"].toArray().size(), 1);
-    QCOMPARE(place.run({"check", "*.log"}).complaints,
-             QString("kest-log: *.log means no log at all.\n"));
+    place.write("a.csv", sample("older_two_cycles.csv"));
+    place.write("b.csv", sample("current_one_cycle.csv"));
+    const auto parameters = [&place](const QString& name) {
+        const QJsonObject file =
+            place.run({"info", "--json", name}).json()["files"].toArray()[0].toObject();
+        return file["sections"].toArray()[0].toObject()["parameters"].toObject();
+    };
+    const QJsonObject older = parameters("a.csv");
+    QCOMPARE(older["number_of_cycles"].toInt(), 3);
+    for (const char* key :
+         {"detect_full_charge", "measure_internal_resistance", "resistance_interval_amp_hours"}) {
+        QCOMPARE(older[key], QJsonValue());
+        QVERIFY(!parameters("b.csv")[key].isNull());
+    }
+    QCOMPARE(parameters("b.csv")["number_of_cycles"], QJsonValue());
+    QVERIFY(place.run({"info", "a.csv"}).output.contains("  charge 1                  2  ?     "));
 }
 
 void KestLogTest::two_logs_of_one_name_do_not_meet_in_a_folder()

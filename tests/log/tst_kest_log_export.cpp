@@ -102,8 +102,8 @@ void KestLogExportTest::bdf_leaves_charges_out_and_says_so()
     const Run run = place.run({"export", "-f", "bdf", "--zone", "UTC", "a.csv"});
     QCOMPARE(
         run.complaints,
-        QString("kest-log: a.csv: 3 rows of charges are left out: the log holds no current for "
-                "them, which the Battery Data Format requires.\n"));
+        QString("kest-log: a.csv: 3 rows of charges are left out: the log holds no current there, "
+                "which the Battery Data Format requires.\n"));
     QCOMPARE(content_of(place.path("a.bdf.csv")),
              QByteArray("Test Time / s,Voltage / V,Current / A,Unix Time / s,Cycle Count / 1,"
                         "Step Count / 1,Discharging Capacity / Ah,Discharging Energy / Wh,"

@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QtTest>
 
@@ -130,6 +131,10 @@ void LogDocumentsTest::every_key_is_explained()
     QStringList keys;
     for (const char* command : {"info", "check", "repair"})
         keys << keys_of(place.run({command, "--json", "a.csv", "b.csv", "c.csv"}).json());
+    place.run({"export", "-f", "bdf", "a.csv"});
+    place.run({"export", "-f", "json", "a.csv"});
+    for (const char* made : {"a.bdf.metadata.json", "a.json"})
+        keys << keys_of(QJsonDocument::fromJson(content_of(place.path(made))).object());
     QVERIFY(keys.contains("watt_hours_live_error"));
     QVERIFY(keys.contains("left_out"));
     const QByteArray document = content_of(source_file("docs/json.md"));

@@ -110,7 +110,7 @@ void LogInCalcTest::every_sheet_has_a_print_area()
                                  "Cycle 1 $A$1:$H$3\n"
                                  "Charge 2 $A$1:$D$2\n"
                                  "Cycle 2 $A$1:$H$4\n"
-                                 "Parameters $A$1:$C$31\n"));
+                                 "Parameters $A$1:$C$28\n"));
 }
 
 KEST_GUILESS_TEST(LogInCalcTest)

@@ -110,6 +110,7 @@ void MenderTest::a_log_is_mended_data()
     const QByteArray whole = HEAD + charge(1) + discharge(1) + charge(2);
     const QByteArray rows = "1.0,0.003,40.00,10.00\n2.0,0.006,39.99,10.00\n";
     add("nothing to do", whole, {whole}, "");
+    add("a byte order mark", "\xef\xbb\xbf" + whole, {whole}, "");
     add("a last line without its end", whole + "2.9,41.5", {whole},
         "19 the last line, which has no end");
     add("a row that loads and is wrong", HEAD + discharge(1, rows + "3.0,0.009,40.11,9\n"),

@@ -5,10 +5,14 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTextCodec>
 #include <QtTest>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 /** What is odd about a log that loads, and files that are no logs. */
 class LogCheckTest : public QObject
@@ -22,8 +26,29 @@ private slots:
     void what_is_no_file_is_told_data();
     void what_is_no_file_is_told();
     void a_line_beyond_all_measure_ends_the_reading();
+    void a_log_on_a_failing_disk_is_not_judged();
     void a_log_is_left_as_it_was();
 };
+
+namespace
+{
+qint64 bytes_before_failure = -1;  ///< below 0 for a good disk
+}
+
+/** In place of the C library's: for a disk that fails. */
+extern "C" ssize_t read(int handle, void* bytes, size_t size)
+{
+    if (bytes_before_failure == 0) {
+        errno = EIO;
+        return -1;
+    }
+    if (bytes_before_failure > 0)
+        size = size_t(qMin(qint64(size), bytes_before_failure));
+    const long count = ::syscall(SYS_read, handle, bytes, size);
+    if (bytes_before_failure > 0)
+        bytes_before_failure -= count;
+    return count;
+}
 
 namespace
 {
@@ -126,6 +151,15 @@ void LogCheckTest::warnings_refuse_nothing_data()
         << QByteArray(older).replace("2020-04-03 09", "2020-04-02 09") << EVENTS << earlier;
     QTest::newRow("a section half an hour earlier, of which nothing tells")
         << older << EVENTS << "";
+    QTest::newRow("line ends of another system")
+        << DISCHARGE + "1.0,0.003,40.00,10.00\r\n"
+        << EVENTS << "0: carriage returns, as Windows puts at the ends of lines";
+    QTest::newRow("a byte order mark")
+        << "\xef\xbb\xbf" + DISCHARGE + row << EVENTS
+        << "0: a byte order mark at its beginning, as another program has saved it";
+    QTest::newRow("two bytes a character")
+        << QTextCodec::codecForName("UTF-16LE")->fromUnicode(CHARGE) << EVENTS
+        << "0: in UTF-16 or UTF-32, as another program has saved it";
     QTest::newRow("an odd line in a charge")
         << CHARGE + "a,b\n"
         << EVENTS << "5: 'a,b' loads, but is not in the application's own form";
@@ -185,6 +219,23 @@ void LogCheckTest::a_line_beyond_all_measure_ends_the_reading()
     QVERIFY(check_log(zeros.fileName(), file));
     QVERIFY(!file.accepted);
     QCOMPARE(file.refusal.reason, QString("a line of more than 64 MB"));
+}
+
+/** What could be read of it would load. */
+void LogCheckTest::a_log_on_a_failing_disk_is_not_judged()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("a.csv");
+    write_file(path, DISCHARGE + QByteArray("1.0,0.003,40.00,10.00\n").repeated(10000));
+    for (const auto look : {check_log, summarize_log}) {
+        LogFile file;
+        bytes_before_failure = 100000;
+        const bool read_whole = look(path, file);
+        bytes_before_failure = -1;
+        QVERIFY(!read_whole);
+        QVERIFY(!file.accepted);
+        QCOMPARE(file.refusal.reason, QString("Input/output error"));
+    }
 }
 
 void LogCheckTest::a_log_is_left_as_it_was()
