@@ -12,8 +12,8 @@
 class OutputFile
 {
 public:
-    /** With `force`, what stands at `path` already gives way. */
-    OutputFile(const QString& path, bool force);
+    /** With `forced`, what stands at `target` already gives way. */
+    OutputFile(const QString& target, bool forced);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;

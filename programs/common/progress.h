@@ -9,7 +9,7 @@ class Progress
 {
 public:
     /** @param clock milliseconds since any moment; the system's if there is none */
-    explicit Progress(int all, std::function<qint64()> clock = nullptr);
+    explicit Progress(int steps, std::function<qint64()> clock = nullptr);
     ~Progress();
 
     /** Another one is done; what was shown gives way to what may be told of it. */

@@ -9,7 +9,7 @@ class TextTable
 {
 public:
     /** A title that begins with ">" is of a column of numbers. */
-    explicit TextTable(const QStringList& titles);
+    explicit TextTable(const QStringList& with_marks);
 
     void add(const QStringList& row);
     /** Lines with their ends, each begun with `indent`. */

@@ -9,7 +9,7 @@
 class ZoneClock
 {
 public:
-    explicit ZoneClock(const QTimeZone& zone);
+    explicit ZoneClock(const QTimeZone& of);
 
     /** Milliseconds since 1970 UTC of a local time without a zone. */
     qint64 milliseconds_of(const QDateTime& local) const;
