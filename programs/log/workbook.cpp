@@ -15,6 +15,7 @@ namespace
 {
 constexpr int LONGEST_NAME = 31;
 constexpr uint8_t A4 = 9;
+constexpr uint8_t INDENT = 1;        // numbers to the left of a text end where it begins
 constexpr float LINE_WIDTH = 1.25F;  // points
 
 /** Sheets may not be named with these. */
@@ -59,6 +60,9 @@ Workbook::Workbook(const QString& path) : folder(QFile::encodeName(QFileInfo(pat
     book = workbook_new_opt(QFile::encodeName(path).constData(), &options);
     text_title = workbook_add_format(book);
     format_set_bold(text_title);
+    format_set_indent(text_title, INDENT);
+    text_column = workbook_add_format(book);
+    format_set_indent(text_column, INDENT);
     number_title = workbook_add_format(book);
     format_set_bold(number_title);
     format_set_align(number_title, LXW_ALIGN_RIGHT);
@@ -106,7 +110,7 @@ Sheet Workbook::add_sheet(const QString& name, const QVector<ColumnKind>& column
         const ColumnKind& column = columns[i];
         const bool text = column.format == nullptr;
         worksheet_set_column(sheet.worksheet, lxw_col_t(i), lxw_col_t(i), column.width,
-                             text ? nullptr : format_of(column.format));
+                             text ? text_column : format_of(column.format));
         worksheet_write_string(sheet.worksheet, 0, lxw_col_t(i), column.title,
                                text ? text_title : number_title);
     }

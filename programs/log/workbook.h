@@ -65,6 +65,7 @@ private:
     QByteArray folder;
     lxw_workbook* book;
     lxw_format* text_title;
+    lxw_format* text_column;
     lxw_format* number_title;
     QHash<QByteArray, lxw_format*> formats;  ///< the workbook's, by their number format
     QStringList names;

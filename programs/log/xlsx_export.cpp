@@ -90,6 +90,13 @@ constexpr ChartKind CHARTS[] = {
     {"resistance (mOhm)", RESISTANCE, true, false},
 };
 
+/** What is known of the curves of some charts. */
+struct Charted
+{
+    double lowest_volts = 0.0;
+    bool resistances = false;
+};
+
 class XlsxExport final : public Exporter
 {
 public:
@@ -105,7 +112,7 @@ public:
         const Sheet listed = add_parameters();
         book.end_sheet(listed);
         summary.printed_rows =
-            int(add_charts(summary, summary.next_row + 1, 0, ON_SUMMARY, cycles));
+            int(add_charts(summary, summary.next_row + 1, 0, ON_SUMMARY, cycles, of_cycles));
         book.set_page_title(summary, title());
         book.end_sheet(summary);
         out.written_by_others(book.close());
@@ -142,9 +149,10 @@ protected:
     {
         const bool discharge = section.kind == SectionKind::Discharge;
         if (discharge && sheet.next_row > 1) {
-            add_charts(sheet, 1, sheet.columns + 1, BESIDE_ROWS, {sheet});
+            const Charted charted = {section.lowest_volts, resistance.count > 0};
+            add_charts(sheet, 1, sheet.columns + 1, BESIDE_ROWS, {sheet}, charted);
             if (cycles.size() < MOST_CHARTED_CYCLES)
-                cycles << sheet;
+                add_to_summary(charted);
         }
         book.end_sheet(sheet);
         add_summary(section);
@@ -226,9 +234,17 @@ private:
         return to;
     }
 
+    void add_to_summary(const Charted& charted)
+    {
+        const double lowest = charted.lowest_volts;
+        of_cycles.lowest_volts = cycles.isEmpty() ? lowest : qMin(of_cycles.lowest_volts, lowest);
+        of_cycles.resistances = of_cycles.resistances || charted.resistances;
+        cycles << sheet;
+    }
+
     /** One below the other; the row below them. */
     lxw_row_t add_charts(Sheet& on, lxw_row_t row, int column, const ChartSize& size,
-                         const QList<Sheet>& of)
+                         const QList<Sheet>& of, const Charted& charted)
     {
         if (of.isEmpty() || on.worksheet == nullptr)
             return row;
@@ -236,9 +252,14 @@ private:
         options.x_scale = size.width;
         options.y_scale = size.height;
         for (const ChartKind& kind : CHARTS) {
+            if (kind.column == RESISTANCE && !charted.resistances)
+                continue;
             lxw_chart* const chart = book.add_chart("charge (Ah)", kind.title, kind.marks);
             if (kind.below_zero)
                 chart_axis_set_max(chart->y_axis, 0.0);
+            // From zero on, a whole discharge would be a nearly level line.
+            if (kind.column == VOLTAGE && charted.lowest_volts > 0.0)
+                chart_axis_set_min(chart->y_axis, std::floor(charted.lowest_volts));
             for (const Sheet& from : of)
                 book.add_curve(chart, from, CHARGE, kind.column);
             worksheet_insert_chart_opt(on.worksheet, row, lxw_col_t(column), chart, &options);
@@ -251,6 +272,7 @@ private:
     Sheet summary;
     Sheet sheet;  ///< of the section
     QList<Sheet> cycles;
+    Charted of_cycles;
     QList<Section> sections;
     Resistance resistance;
     double amp_hours = 0.0;

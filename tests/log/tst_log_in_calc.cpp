@@ -16,6 +16,7 @@ private slots:
     void every_sheet_and_table_is_read();
     void the_summary_is_one_page_with_charts();
     void every_sheet_has_a_print_area();
+    void charts_show_their_curves_and_none_is_empty();
 
 private:
     Run calc(const QString& filter, const QStringList& files) const;
@@ -111,6 +112,26 @@ void LogInCalcTest::every_sheet_has_a_print_area()
                                  "Charge 2 $A$1:$D$2\n"
                                  "Cycle 2 $A$1:$H$4\n"
                                  "Parameters $A$1:$C$28\n"));
+}
+
+/** Volts from below the lowest on; no chart of resistances where none was measured. */
+void LogInCalcTest::charts_show_their_curves_and_none_is_empty()
+{
+    place.write("c.csv", content_of(test_data("logs/current_two_cycles.csv")));
+    QCOMPARE(place.run({"export", "-f", "xlsx", "--force", "c.csv"}).status, 0);
+    const Run run("/usr/bin/python3",
+                  {"-c",
+                   "import openpyxl, sys\n"
+                   "for s in openpyxl.load_workbook(sys.argv[1]):\n"
+                   "    print(s.title, len(s._charts), *[c.y_axis.scaling.min for c in s._charts])",
+                   place.path("c.xlsx")});
+    QCOMPARE(run.complaints, QString());
+    QCOMPARE(run.output, QString("Summary 3 31.0 None None\n"
+                                 "Charge 1 0\n"
+                                 "Cycle 1 2 31.0 None\n"
+                                 "Charge 2 0\n"
+                                 "Cycle 2 3 40.0 None None\n"
+                                 "Parameters 0\n"));
 }
 
 KEST_GUILESS_TEST(LogInCalcTest)
