@@ -4,8 +4,8 @@
 #include "common/file.h"
 #include "common/parse_int.h"
 #include "records/event_line.h"
+#include "records/log_input.h"
 
-#include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -143,8 +143,7 @@ EventLog read_event_log(QIODevice& device)
 
 EventLog event_log_beside(const QString& log_path)
 {
-    QFile file(event_log_path(log_path));
-    if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return EventLog();
-    return read_event_log(file);
+    const QString path = event_log_path(log_path);
+    LogInput file;
+    return !path.isEmpty() && file.open_log(path) ? read_event_log(file) : EventLog();
 }

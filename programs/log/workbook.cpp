@@ -1,6 +1,7 @@
 #include "log/workbook.h"
 
 #include "log/quiet_library.h"
+#include "programs/common/terminal.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -40,9 +41,10 @@ void Sheet::add_number(int column, double value)
 
 void Sheet::add_text(int column, const QString& text)
 {
+    // What no terminal should obey no workbook may hold: its readers would refuse it as a whole.
     if (worksheet != nullptr)
-        worksheet_write_string(worksheet, next_row, lxw_col_t(column), text.toUtf8().constData(),
-                               nullptr);
+        worksheet_write_string(worksheet, next_row, lxw_col_t(column),
+                               shown(text).toUtf8().constData(), nullptr);
 }
 
 QByteArray Sheet::range(int column) const
@@ -123,7 +125,7 @@ void Workbook::set_page_title(const Sheet& sheet, const QString& title)
     if (sheet.worksheet == nullptr)
         return;
     // What follows a single "&" is a place marker.
-    const QByteArray text = title.left(LONGEST_TITLE).replace('&', "&&").toUtf8();
+    const QByteArray text = shown(title.left(LONGEST_TITLE)).replace('&', "&&").toUtf8();
     worksheet_set_header(sheet.worksheet, ("&L" + text + "&R&A").constData());
     worksheet_set_footer(sheet.worksheet, "&RPage &P of &N");
 }

@@ -17,6 +17,7 @@ private slots:
     void the_summary_is_one_page_with_charts();
     void every_sheet_has_a_print_area();
     void charts_show_their_curves_and_none_is_empty();
+    void names_may_hold_anything();
 
 private:
     Run calc(const QString& filter, const QStringList& files) const;
@@ -132,6 +133,23 @@ void LogInCalcTest::charts_show_their_curves_and_none_is_empty()
                                  "Charge 2 0\n"
                                  "Cycle 2 3 40.0 None None\n"
                                  "Parameters 0\n"));
+}
+
+/** A single character that no XML may hold makes a workbook unreadable. */
+void LogInCalcTest::names_may_hold_anything()
+{
+    place.write("d.csv", content_of(test_data("logs/current_two_cycles.csv"))
+                             .replace("Pack: B", "a\x01\x1b[31m\xef\xbf\xbf\xff&<>\"&P"));
+    QCOMPARE(place.run({"export", "-f", "xlsx", "d.csv"}).status, 0);
+    const Run run("/usr/bin/python3",
+                  {"-c",
+                   "import openpyxl, sys\n"
+                   "for s in openpyxl.load_workbook(sys.argv[1]): print(s.title, s['A2'].value)",
+                   place.path("d.xlsx")});
+    QCOMPARE(run.complaints, QString());
+    const QString name =
+        QString("a__[31m__&<>\"&P").replace('_', QChar(QChar::ReplacementCharacter));
+    QCOMPARE(run.output.section('\n', 0, 0), "Summary " + name);
 }
 
 KEST_GUILESS_TEST(LogInCalcTest)

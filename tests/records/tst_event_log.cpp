@@ -5,7 +5,10 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QTemporaryDir>
 #include <QtTest>
+
+#include <sys/stat.h>
 
 /** What the words of an event log tell of a test. */
 class EventLogTest : public QObject
@@ -27,6 +30,7 @@ private slots:
     void charges_last_from_their_head_to_their_end();
     void the_event_log_stands_beside_its_log_data();
     void the_event_log_stands_beside_its_log();
+    void a_pipe_beside_a_log_holds_nobody_up();
 };
 
 namespace
@@ -265,6 +269,13 @@ void EventLogTest::the_event_log_stands_beside_its_log()
 {
     QFETCH(QString, log);
     QTEST(event_log_path(log), "events");
+}
+
+void EventLogTest::a_pipe_beside_a_log_holds_nobody_up()
+{
+    const QTemporaryDir folder;
+    QCOMPARE(::mkfifo(qPrintable(folder.filePath("a.txt")), 0600), 0);
+    QVERIFY(!event_log_beside(folder.filePath("a.csv")).exists);
 }
 
 KEST_GUILESS_TEST(EventLogTest)
