@@ -37,12 +37,13 @@ bool write_all(int handle, const QByteArray& bytes)
     return true;
 }
 
-/** A hidden name beside `path`, so that the rename stays within one file system. */
+/** A hidden name beside `path`, so that the rename stays within one file system; never too long. */
 QString name_beside(const QString& path)
 {
+    constexpr int ENOUGH = 40;
     const QFileInfo target(path);
     const QString unique = QUuid::createUuid().toString(QUuid::Id128).left(8);
-    return target.dir().filePath(QString(".%1.%2").arg(target.fileName().left(200), unique));
+    return target.dir().filePath(QString(".%1.%2").arg(target.fileName().left(ENOUGH), unique));
 }
 
 /** Moves a file without putting it over another one, which even one made this moment is not. */

@@ -28,6 +28,7 @@ private slots:
     void a_signal_that_was_ignored_stays_so();
     void a_file_beyond_the_limit_is_an_error();
     void the_first_goes_if_the_second_finds_no_place();
+    void a_name_may_be_as_long_as_the_system_allows();
 };
 
 namespace
@@ -154,6 +155,15 @@ void OutputFileTest::the_first_goes_if_the_second_finds_no_place()
     QCOMPARE(second.error(), place.path("b") + " cannot be put in its place: File exists.");
     QVERIFY(!QFile::exists(place.path("a")));
     QCOMPARE(content_of(place.path("b")), QByteArray("mine"));
+}
+
+void OutputFileTest::a_name_may_be_as_long_as_the_system_allows()
+{
+    const Place place;
+    const QString name(85, QChar(0x96fb));  // 255 bytes
+    OutputFile file(place.path(name), false);
+    QVERIFY2(file.open() && file.commit(), qPrintable(file.error()));
+    QCOMPARE(place.names(), QStringList{name});
 }
 
 KEST_GUILESS_TEST(OutputFileTest)
