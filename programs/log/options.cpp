@@ -34,6 +34,31 @@ constexpr FormatName FORMATS[] = {
     {"json", Format::Json},
 };
 
+bool exports(Command command)
+{
+    return command == Command::Export;
+}
+
+bool makes_files(Command command)
+{
+    return command == Command::Repair || command == Command::Export;
+}
+
+/** An option that would do nothing for the other commands. */
+struct Belonging
+{
+    const char* option;
+    bool (*has)(Command command);
+    const char* sentence;
+};
+
+constexpr Belonging BELONGINGS[] = {
+    {"format", exports, "--format belongs to export."},
+    {"zone", exports, "--zone belongs to export."},
+    {"to", makes_files, "--to belongs to repair and export."},
+    {"force", makes_files, "--force belongs to repair and export."},
+};
+
 QString description()
 {
     QString text = "Checks, mends, explains and exports the data logs of the Kest Battery Tester.\n"
@@ -53,9 +78,11 @@ void add_options(QCommandLineParser& parser)
         {{"f", "format"}, "For export: csv, xlsx, bdf or json.", "FORMAT"},
         {{"r", "recursive"}, "Folders with all that lies below them."},
         {{"t", "to"}, "For repair and export: the folder for what is made.", "DIR"},
-        {"zone", "The time zone of the logs, as Europe/Berlin; the system's if not given.", "ZONE"},
+        {"zone",
+         "For export: the time zone of the logs, as Europe/Berlin; the system's if not given.",
+         "ZONE"},
         {"jobs", "Logs worked on at a time; one for each processor if not given.", "N"},
-        {"force", "Replace files that exist."},
+        {"force", "For repair and export: replace files that exist."},
         {"json", "For info, check and repair: one JSON document in place of text."},
     });
     parser.addHelpOption();
@@ -107,8 +134,9 @@ QString take_values(const QCommandLineParser& parser, Options& options)
 }
 
 /** Empty if the options fit the command. */
-QString check_command(const Options& options, const QStringList& arguments)
+QString check_command(const QCommandLineParser& parser, const Options& options)
 {
+    const QStringList arguments = parser.positionalArguments();
     if (arguments.isEmpty())
         return "A command is missing: info, check, repair or export.";
     if (options.command == Command::None)
@@ -116,15 +144,13 @@ QString check_command(const Options& options, const QStringList& arguments)
             .arg(arguments[0]);
     if (options.files.isEmpty())
         return "A file is missing.";
-    const bool exporting = options.command == Command::Export;
-    if (exporting && options.format == Format::None)
+    if (exports(options.command) && options.format == Format::None)
         return "export needs --format csv, xlsx, bdf or json.";
-    if (!exporting && options.format != Format::None)
-        return "--format belongs to export.";
-    if (exporting && options.json)
+    if (exports(options.command) && options.json)
         return "--json is for info, check and repair; export has --format json.";
-    if (!exporting && options.command != Command::Repair && !options.to.isEmpty())
-        return "--to belongs to repair and export.";
+    for (const Belonging& row : BELONGINGS)
+        if (parser.isSet(row.option) && !row.has(options.command))
+            return row.sentence;
     return QString();
 }
 }  // namespace
@@ -152,6 +178,6 @@ Options read_options(const QStringList& arguments)
     options.command = words.isEmpty() ? Command::None : command_of(words[0]);
     options.files = words.mid(1);
     if (options.error.isEmpty())
-        options.error = check_command(options, words);
+        options.error = check_command(parser, options);
     return options;
 }

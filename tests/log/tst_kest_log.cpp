@@ -73,6 +73,10 @@ void KestLogTest::wrong_arguments_are_told_data()
                                        "json.";
     QTest::newRow("a folder of check")
         << QStringList{"check", "-t", "x", "a.csv"} << "--to belongs to repair and export.";
+    QTest::newRow("a zone of check")
+        << QStringList{"check", "--zone", "UTC", "a.csv"} << "--zone belongs to export.";
+    QTest::newRow("force of info")
+        << QStringList{"info", "--force", "a.csv"} << "--force belongs to repair and export.";
     QTest::newRow("no such zone") << QStringList{"info", "--zone", "Moon", "a.csv"}
                                   << "There is no time zone 'Moon'.";
     QTest::newRow("no jobs") << QStringList{"info", "--jobs", "0", "a.csv"}
