@@ -1,6 +1,7 @@
 #include "programs/common/output_file.h"
 
 #include "programs/common/unfinished_files.h"
+#include "programs/common/whole_file.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,22 +20,6 @@ constexpr int PIECE = 1 << 18;  // bytes
 QString system_error()
 {
     return QString::fromLocal8Bit(std::strerror(errno));
-}
-
-/** False with errno. A full disk takes a part, and tells at the next try. */
-bool write_all(int handle, const QByteArray& bytes)
-{
-    const char* at = bytes.constData();
-    const char* const end = at + bytes.size();
-    while (at < end) {
-        const ssize_t count = ::write(handle, at, size_t(end - at));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        at += count;
-    }
-    return true;
 }
 
 /** A hidden name beside `path`, so that the rename stays within one file system; never too long. */

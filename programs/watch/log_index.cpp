@@ -1,5 +1,6 @@
 #include "watch/log_index.h"
 
+#include "programs/common/whole_file.h"
 #include "records/line_cutter.h"
 
 #include <QDataStream>
@@ -7,7 +8,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace
 {
@@ -94,17 +94,15 @@ bool LogIndex::save(const QSet<QByteArray>& present)
     if (!changed || file.isEmpty())
         return true;
     QDir().mkpath(QFileInfo(file).path());
-    QSaveFile target(file);
-    if (!target.open(QIODevice::WriteOnly))
-        return false;
-    QDataStream stream(&target);
+    QByteArray content;
+    QDataStream stream(&content, QIODevice::WriteOnly);
     stream.setVersion(QDataStream::Qt_5_15);
     stream << FORM << qint32(known.size());
     for (auto log = known.cbegin(); log != known.cend(); ++log) {
         stream << log.key();
         put(stream, log.value());
     }
-    changed = !target.commit();
+    changed = !replace_file(file, content);
     return !changed;
 }
 

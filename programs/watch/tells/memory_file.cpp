@@ -1,5 +1,6 @@
 #include "watch/tells/memory_file.h"
 
+#include "programs/common/whole_file.h"
 #include "watch/tells/event_json.h"
 
 #include <QDir>
@@ -8,7 +9,6 @@
 #include <QJsonDocument>
 
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -146,21 +146,11 @@ Memory MemoryFile::load()
 bool MemoryFile::save(const Memory& memory)
 {
     error_text.clear();
-    // Without a buffer: the toolkit's own file for this puts a torn one in its place where a full disk
-    // takes a part. Of one name: nothing piles up where a watch is killed.
-    QFile file(path() + ".new");
-    const QByteArray document = memory_document(memory);
-    const bool saved = file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) &&
-                       file.write(document) == document.size() && ::fsync(file.handle()) == 0 &&
-                       ::rename(QFile::encodeName(file.fileName()).constData(),
-                                QFile::encodeName(path()).constData()) == 0;
-    if (saved)
+    if (replace_file(path(), memory_document(memory)))
         return true;
-    const QString reason = qt_error_string();
-    file.remove();
     error_text = QString("%1 cannot be written: %2. Messages go out all the same; after a restart "
                          "some may come again. Make room.")
-                     .arg(path(), reason);
+                     .arg(path(), qt_error_string());
     return false;
 }
 
