@@ -16,20 +16,48 @@ QString unescaped(const QString& text)
     }
     return result;
 }
+
+/** A line of the kernel's table. */
+struct Mount
+{
+    explicit Mount(const QString& line)
+        : point(unescaped(line.section(' ', 4, 4))), kind(line.section(" - ", 1).section(' ', 0, 0))
+    {
+    }
+
+    QString point;
+    QString kind;  ///< "ext4"
+};
+
+QStringList lines_of_mounts(const FileView& view)
+{
+    return view.text("/proc/self/mountinfo").split('\n');
+}
 }  // namespace
+
+QStringList network_mounts(const FileView& view)
+{
+    QStringList points;
+    for (const QString& line : lines_of_mounts(view)) {
+        const Mount mount(line);
+        if (is_network(mount.kind))
+            points << mount.point;
+    }
+    return points;
+}
 
 QString file_system_of(const FileView& view, const QString& path)
 {
     QString nearest;
     QString kind;
-    const QStringList mounts = view.text("/proc/self/mountinfo").split('\n');
-    for (const QString& mount : mounts) {
-        const QString point = unescaped(mount.section(' ', 4, 4));
+    for (const QString& line : lines_of_mounts(view)) {
+        const Mount mount(line);
+        const QString& point = mount.point;
         const QString inside = point == "/" ? point : point + "/";
         // The later of two mounts on one place hides the earlier.
         if (!point.isEmpty() && (path + "/").startsWith(inside) && point.size() >= nearest.size()) {
             nearest = point;
-            kind = mount.section(" - ", 1).section(' ', 0, 0);
+            kind = mount.kind;
         }
     }
     return kind;

@@ -117,7 +117,8 @@ OpenFiles open_files_of(pid_t process, const SystemRoots& roots)
     return files;
 }
 
-QVector<WrittenFile> written_files_of(pid_t process, const QByteArray& ending,
+QVector<WrittenFile> written_files_of(pid_t process,
+                                      const std::function<bool(const QByteArray& path)>& is_wanted,
                                       const SystemRoots& roots)
 {
     QVector<WrittenFile> files;
@@ -133,7 +134,7 @@ QVector<WrittenFile> written_files_of(pid_t process, const QByteArray& ending,
             ::readlinkat(::dirfd(folder.get()), entry->d_name, path, sizeof path);
         file.path = QByteArray(path, int(std::max<ssize_t>(length, 0)));
         // By the name first: to ask for a file on a network that has gone may take for ever.
-        if (!file.path.endsWith(ending) && !file.path.endsWith(ending + " (deleted)"))
+        if (!is_wanted(file.path))
             continue;
         struct stat status = {};
         if (::fstatat(::dirfd(folder.get()), entry->d_name, &status, 0) != 0 ||

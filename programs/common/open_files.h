@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
 #include <sys/types.h>
 
 /** A character device that a process has open. */
@@ -42,8 +43,9 @@ struct WrittenFile
     ino_t inode = 0;
 };
 
-/** Those whose names end so, ".csv"; no other file is touched. */
-QVector<WrittenFile> written_files_of(pid_t process, const QByteArray& ending,
+/** Those of a name that `is_wanted`; no other file is touched. */
+QVector<WrittenFile> written_files_of(pid_t process,
+                                      const std::function<bool(const QByteArray& path)>& is_wanted,
                                       const SystemRoots& roots);
 
 /** Whether the process has this very file open under this number. */

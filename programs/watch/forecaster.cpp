@@ -1,11 +1,14 @@
 #include "watch/forecaster.h"
 
+#include "programs/common/whole_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
+
+#include <algorithm>
 
 namespace
 {
@@ -54,6 +57,15 @@ bool leg_of(const WatchedLog& log, const Moment& moment, PresentLeg& leg)
     return true;
 }
 
+/** Nothing but what an instrument says moves a test on: nobody knows how long it will say nothing. */
+bool stands_still(const QList<Situation>& situations)
+{
+    return std::any_of(situations.begin(), situations.end(), [](const Situation& found) {
+        return found.condition == Condition::InstrumentSilent ||
+               found.condition == Condition::NoCurrent;
+    });
+}
+
 QJsonArray array_of(const QList<double>& shares)
 {
     QJsonArray array;
@@ -77,7 +89,8 @@ Forecaster::Forecaster(const QString& state_folder, bool keeps_memory)
 }
 
 void Forecaster::read_on(const std::vector<std::unique_ptr<LogFolder>>& folders,
-                         const std::vector<std::unique_ptr<WatchedLog>>& logs)
+                         const std::vector<std::unique_ptr<WatchedLog>>& logs,
+                         const QSet<QByteArray>& answering)
 {
     QSet<QByteArray> written;
     for (const auto& log : logs)
@@ -86,7 +99,8 @@ void Forecaster::read_on(const std::vector<std::unique_ptr<LogFolder>>& folders,
     bool complete = true;
     QSet<QByteArray> present;
     for (const auto& place : folders) {
-        complete = index.read_on(place->logs, written, READING_MS) && complete;
+        complete = answering.contains(place->path) &&
+                   index.read_on(place->logs, written, READING_MS) && complete;
         for (auto log = place->logs.cbegin(); log != place->logs.cend(); ++log)
             present.insert(log.key());
     }
@@ -101,7 +115,7 @@ void Forecaster::put_end(const WatchedLog& log, const Moment& moment, QList<Situ
 {
     judge(log);
     PresentLeg leg;
-    if (situations.isEmpty() || !leg_of(log, moment, leg))
+    if (situations.isEmpty() || stands_still(situations) || !leg_of(log, moment, leg))
         return;
     const QString& battery = log.log->profile_name;
     const double error = errors.share(leg.kind);
@@ -160,12 +174,9 @@ void Forecaster::save_errors() const
     if (folder.isEmpty() || !keeps)
         return;
     QDir().mkpath(folder);
-    QSaveFile file(file_in(folder, ERRORS_FILE));
     const QJsonObject document = {
         {"charges", array_of(errors.shares_of(SectionKind::Charge))},
         {"discharges", array_of(errors.shares_of(SectionKind::Discharge))}};
-    if (file.open(QIODevice::WriteOnly)) {
-        file.write(QJsonDocument(document).toJson());
-        file.commit();
-    }
+    // One that could not be written comes with the next.
+    replace_file(file_in(folder, ERRORS_FILE), QJsonDocument(document).toJson());
 }

@@ -15,9 +15,10 @@ public:
     /** @param state_folder empty: nothing is kept */
     Forecaster(const QString& state_folder, bool keeps_memory);
 
-    /** Reads earlier logs, for a while at each look. */
+    /** Reads earlier logs, for a while at each look, in folders of the paths that are `answering`. */
     void read_on(const std::vector<std::unique_ptr<LogFolder>>& folders,
-                 const std::vector<std::unique_ptr<WatchedLog>>& logs);
+                 const std::vector<std::unique_ptr<WatchedLog>>& logs,
+                 const QSet<QByteArray>& answering);
     /** Puts the expected end into what was found of a log. */
     void put_end(const WatchedLog& log, const Moment& moment, QList<Situation>& situations);
 

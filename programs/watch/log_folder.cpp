@@ -1,5 +1,6 @@
 #include "watch/log_folder.h"
 
+#include <cstdlib>
 #include <dirent.h>
 #include <memory>
 
@@ -9,14 +10,25 @@ const QByteArray LOG_ENDING = ".csv";
 const QByteArray EVENTS_ENDING = ".txt";
 }  // namespace
 
-LogFolder::LogFolder(const QByteArray& folder_path, bool on_network)
-    : path(folder_path), network(on_network), follower(folder_path, !on_network)
+LogFolder::LogFolder(const QByteArray& folder_path, bool on_network, const FolderProbe::Ask& ask)
+    : path(folder_path),
+      network(on_network),
+      probe(folder_path, ask),
+      follower(folder_path, !on_network)
 {
+}
+
+bool LogFolder::answers()
+{
+    return !network || probe.answers();
 }
 
 void LogFolder::look()
 {
     grown.clear();
+    const std::unique_ptr<char, void (*)(void*)> real(::realpath(path.constData(), nullptr),
+                                                      ::free);
+    real_path = real.get();
     const FolderNews news = follower.news();
     if (news.all) {
         list();

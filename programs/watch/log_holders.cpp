@@ -8,11 +8,14 @@ LogHolders::LogHolders(SystemRoots system_roots) : roots(std::move(system_roots)
 {
 }
 
-void LogHolders::scan()
+void LogHolders::scan(const std::function<bool(const QByteArray& path)>& may_touch)
 {
+    const auto is_wanted = [&may_touch](const QByteArray& path) {
+        return (path.endsWith(".csv") || path.endsWith(".csv (deleted)")) && may_touch(path);
+    };
     holders.clear();
     for (const pid_t process : all_processes(roots)) {
-        for (const WrittenFile& file : written_files_of(process, ".csv", roots)) {
+        for (const WrittenFile& file : written_files_of(process, is_wanted, roots)) {
             Holder holder;
             holder.process = process;
             holder.started = start_of_process(process, roots);
@@ -41,11 +44,13 @@ bool LogHolders::holds(const Holder& holder, const FileIdentity& file) const
 
 bool LogHolders::lives(const Holder& holder) const
 {
-    // One that has ended and that nobody has asked for its status yet still has a number.
+    // One that has ended and that nobody has asked for its status yet still has a number, and one that
+    // ends has closed its files before.
     constexpr char ENDED[] = {'Z', 'X'};
     const char state = state_of_process(holder.process, roots);
     return holder.is_known() && start_of_process(holder.process, roots) == holder.started &&
-           std::find(std::begin(ENDED), std::end(ENDED), state) == std::end(ENDED);
+           std::find(std::begin(ENDED), std::end(ENDED), state) == std::end(ENDED) &&
+           !is_ending(holder.process, roots);
 }
 
 bool LogHolders::program_runs_again(const Holder& holder) const

@@ -7,6 +7,7 @@
 #include <QMap>
 #include <QString>
 
+#include <functional>
 #include <sys/types.h>
 
 /** A process that has a log open to write. */
@@ -29,8 +30,12 @@ class LogHolders
 public:
     explicit LogHolders(SystemRoots system_roots = SystemRoots());
 
-    /** Looks through all processes, which is no work for every look. */
-    void scan();
+    /**
+     * Looks through all processes, which is no work for every look.
+     *
+     * @param may_touch false of a path on a machine that does not answer
+     */
+    void scan(const std::function<bool(const QByteArray& path)>& may_touch);
     /** As the last scan has found it. */
     Holder of(const FileIdentity& file) const;
     QList<FileIdentity> held() const;

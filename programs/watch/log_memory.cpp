@@ -29,41 +29,74 @@ QJsonObject object_of(const LogMemory& memory)
             {"started", QString::number(memory.holder.started)},
             {"program", memory.holder.program},
             {"writer", int(memory.writer)},
+            {"same_boot", memory.same_boot},
             {"ended", memory.ended.toString(Qt::ISODate)}};
 }
 
-LogMemory memory_in(const QJsonObject& object, bool same_boot)
+QByteArray path_of_text(const QJsonValue& text)
 {
+    return QByteArray::fromPercentEncoding(text.toString().toLatin1());
+}
+
+LogMemory memory_of(const QJsonObject& object, bool text_of_this_boot)
+{
+    // One that was not taken up since may be older than the text.
+    const bool same_boot = text_of_this_boot && object["same_boot"].toBool(true);
     LogMemory memory;
-    memory.path = QByteArray::fromPercentEncoding(object["path"].toString().toLatin1());
+    memory.path = path_of_text(object["path"]);
+    memory.same_boot = same_boot;
     memory.identity.device = object["device"].toString().toULongLong();
     memory.identity.inode = object["inode"].toString().toULongLong();
-    memory.holder.process = object["process"].toInt();
-    // No process of this boot was started then.
-    memory.holder.started = same_boot ? object["started"].toString().toULongLong() : ~quint64(0);
+    // No process of this boot was started then: each one that has the program's name is a later one.
+    if (same_boot) {
+        memory.holder.process = object["process"].toInt();
+        memory.holder.started = object["started"].toString().toULongLong();
+    }
     memory.holder.program = object["program"].toString();
     const int writer = object["writer"].toInt();
     memory.writer = writer >= 0 && writer <= int(Writer::Untold) ? Writer(writer) : Writer::Unseen;
     memory.ended = QDateTime::fromString(object["ended"].toString(), Qt::ISODate);
     return memory;
 }
+QJsonObject object_of(const Situation& disk)
+{
+    return {{"folder", text_of_path(disk.log)},
+            {"full", disk.condition == Condition::DiskFull},
+            {"since", disk.since.toString(Qt::ISODateWithMs)}};
+}
+
+Situation disk_of(const QJsonObject& object)
+{
+    Situation disk;
+    disk.log = path_of_text(object["folder"]);
+    disk.condition = object["full"].toBool() ? Condition::DiskFull : Condition::DiskLow;
+    disk.since = QDateTime::fromString(object["since"].toString(), Qt::ISODateWithMs);
+    return disk;
+}
 }  // namespace
 
-QByteArray text_of(const QList<LogMemory>& memories)
+QByteArray text_of(const WatchMemory& memory)
 {
     QJsonArray tests;
-    for (const LogMemory& memory : memories)
-        tests << object_of(memory);
-    return QJsonDocument(QJsonObject{{"boot", QString::fromLatin1(this_boot())}, {"tests", tests}})
+    for (const LogMemory& test : memory.tests)
+        tests << object_of(test);
+    QJsonArray disks;
+    for (const Situation& disk : memory.disks)
+        disks << object_of(disk);
+    return QJsonDocument(QJsonObject{{"boot", QString::fromLatin1(this_boot())},
+                                     {"tests", tests},
+                                     {"disks", disks}})
         .toJson();
 }
 
-QList<LogMemory> memories_in(const QByteArray& text)
+WatchMemory memory_in(const QByteArray& text)
 {
     const QJsonObject document = QJsonDocument::fromJson(text).object();
     const bool same_boot = document["boot"].toString().toLatin1() == this_boot();
-    QList<LogMemory> memories;
+    WatchMemory memory;
     for (const QJsonValue& test : document["tests"].toArray())
-        memories << memory_in(test.toObject(), same_boot);
-    return memories;
+        memory.tests << memory_of(test.toObject(), same_boot);
+    for (const QJsonValue& disk : document["disks"].toArray())
+        memory.disks << disk_of(disk.toObject());
+    return memory;
 }

@@ -2,8 +2,14 @@
 
 #include "watch/watched_log.h"
 
-/** The tests that ran at the last look, as the text that is kept of them. */
-QByteArray text_of(const QList<LogMemory>& memories);
+/** What a watch leaves behind for the next one. */
+struct WatchMemory
+{
+    QList<LogMemory> tests;  ///< those that ran at the last look, or had ended
+    QList<Situation> disks;  ///< those that were low or full
+};
+
+QByteArray text_of(const WatchMemory& memory);
 
 /** Of a text that is none of ours, nothing. */
-QList<LogMemory> memories_in(const QByteArray& text);
+WatchMemory memory_in(const QByteArray& text);

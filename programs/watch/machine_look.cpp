@@ -11,14 +11,60 @@ namespace
 constexpr qint64 LEAST_STEP_MS = 2000;  // corrections by and by stay far below
 constexpr qint64 LEAST_SLEEP_MS = 2000;
 constexpr qint64 TOLD_FOR_MS = 600000;  // what has happened is found for ten minutes
-constexpr qint64 LOW_BYTES = 200 * 1000 * 1000;
-constexpr double LOW_SECONDS = 86400.0;
-constexpr qint64 FULL_BYTES = 4096;  // less than a block takes no row
 constexpr qint64 RATE_WINDOW_MS = 60000;
+constexpr qint64 MB = 1000 * 1000;
+constexpr double HOUR = 3600.0;
+
+/** A state begins below one bound and ends at another one: a disk that wobbles is told of once. */
+struct RoomBounds
+{
+    Condition condition;
+    qint64 begin_bytes;
+    qint64 end_bytes;
+    qint64 begin_files;
+    qint64 end_files;
+    double begin_seconds;  ///< of writing
+    double end_seconds;
+};
+
+// The worst one first. Less than a block takes no row.
+constexpr RoomBounds ROOM_BOUNDS[] = {
+    // condition, bytes, files, seconds
+    {Condition::DiskFull, 4096, 65536, 1, 16, 0.0, 0.0},
+    {Condition::DiskLow, 200 * MB, 250 * MB, 0, 0, 24 * HOUR, 30 * HOUR},
+};
 
 QString megabytes(qint64 bytes)
 {
     return QString::number(double(bytes) / 1e6, 'f', 1) + " MB";
+}
+
+double seconds_left(const DiskRoom& room)
+{
+    return double(room.free_bytes) / room.bytes_per_second;
+}
+
+bool is_below(const RoomBounds& bounds, const DiskRoom& room, bool lasts)
+{
+    if (room.free_bytes < (lasts ? bounds.end_bytes : bounds.begin_bytes) ||
+        room.free_files < (lasts ? bounds.end_files : bounds.begin_files))
+        return true;
+    // As long as nobody knows how fast it fills, a state that was found by that goes on.
+    if (room.bytes_per_second < 0.0)
+        return lasts && bounds.end_seconds > 0.0;
+    return room.bytes_per_second > 0.0 &&
+           seconds_left(room) < (lasts ? bounds.end_seconds : bounds.begin_seconds);
+}
+
+QString room_text(const DiskRoom& room, Condition condition)
+{
+    if (condition == Condition::DiskFull)
+        return "Nothing more can be written: rows are being lost.";
+    const QString left = megabytes(room.free_bytes);
+    if (room.bytes_per_second <= 0.0 || seconds_left(room) >= ROOM_BOUNDS[1].end_seconds)
+        return QString("%1 are left.").arg(left);
+    return QString("%1 are left, for %2 of writing.")
+        .arg(left, format_time_span(qint64(seconds_left(room))));
 }
 
 Situation happened(Condition condition, const Moment& moment, const QByteArray& folder,
@@ -33,24 +79,19 @@ Situation happened(Condition condition, const Moment& moment, const QByteArray& 
 }
 }  // namespace
 
-bool judge_room(const DiskRoom& room, Situation& situation)
+bool judge_room(const DiskRoom& room, bool held, Situation& situation)
 {
-    if (room.free_bytes < FULL_BYTES || room.free_files == 0) {
-        situation.condition = Condition::DiskFull;
-        situation.detail = "Nothing more can be written: rows are being lost.";
+    const Condition before = situation.condition;
+    for (const RoomBounds& bounds : ROOM_BOUNDS) {
+        // What was full and is no longer is still low.
+        const bool lasts = held && (before == bounds.condition || before == Condition::DiskFull);
+        if (!is_below(bounds, room, lasts))
+            continue;
+        situation.condition = bounds.condition;
+        situation.detail = room_text(room, bounds.condition);
         return true;
     }
-    situation.condition = Condition::DiskLow;
-    const double seconds_left =
-        room.bytes_per_second > 0.0 ? double(room.free_bytes) / room.bytes_per_second : LOW_SECONDS;
-    if (seconds_left < LOW_SECONDS) {
-        situation.detail =
-            QString("%1 are left, for %2 of writing.")
-                .arg(megabytes(room.free_bytes), format_time_span(qint64(seconds_left)));
-        return true;
-    }
-    situation.detail = QString("%1 are left.").arg(megabytes(room.free_bytes));
-    return room.free_bytes < LOW_BYTES;
+    return false;
 }
 
 QList<Situation> MachineLook::look(const Moment& moment, const QList<FolderUse>& folders)
@@ -90,8 +131,8 @@ double MachineLook::rate_of(const Moment& moment, const FolderUse& folder)
 {
     const auto known = marks.find(folder.path);
     if (known == marks.end() || folder.written < known->written) {
-        marks.insert(folder.path, {moment.awake_ms, folder.written, 0.0});
-        return 0.0;
+        marks.insert(folder.path, {moment.awake_ms, folder.written, -1.0});
+        return -1.0;
     }
     const qint64 passed = moment.awake_ms - known->awake_ms;
     if (passed >= RATE_WINDOW_MS)
@@ -103,23 +144,36 @@ double MachineLook::rate_of(const Moment& moment, const FolderUse& folder)
 void MachineLook::look_at_disk(const Moment& moment, const FolderUse& folder,
                                QList<Situation>& found)
 {
+    const auto before = disk_states.constFind(folder.path);
+    const bool held = before != disk_states.constEnd();
+    if (!folder.answers && held)
+        found << *before;
     struct statvfs system = {};
-    if (::statvfs(folder.path.constData(), &system) != 0)
+    if (!folder.answers || ::statvfs(folder.path.constData(), &system) != 0)
         return;
     DiskRoom room;
     room.free_bytes = qint64(system.f_bavail) * qint64(system.f_frsize);
     room.free_files = system.f_files == 0 ? 1 : qint64(system.f_favail);
     room.bytes_per_second = rate_of(moment, folder);
-    Situation situation;
+    Situation situation = held ? *before : Situation();
     situation.log = folder.path;
-    if (!judge_room(room, situation)) {
+    if (!judge_room(room, held, situation)) {
         disk_states.remove(folder.path);
         return;
     }
-    const auto before = disk_states.constFind(folder.path);
-    const bool goes_on =
-        before != disk_states.constEnd() && before->condition == situation.condition;
+    const bool goes_on = held && before->condition == situation.condition;
     situation.since = goes_on ? before->since : moment.time;
     disk_states.insert(folder.path, situation);
     found << situation;
+}
+
+QList<Situation> MachineLook::disks() const
+{
+    return disk_states.values();
+}
+
+void MachineLook::recall(const QList<Situation>& disks)
+{
+    for (const Situation& disk : disks)
+        disk_states.insert(disk.log, disk);
 }

@@ -21,6 +21,8 @@ struct LogMemory
     Holder holder;
     Writer writer = Writer::Unseen;
     QDateTime ended;  ///< UTC; invalid while the test runs
+    bool same_boot =
+        true;  ///< devices of files may have other numbers after a start of the machine
 };
 
 /** A test as its two logs show it, from look to look. */

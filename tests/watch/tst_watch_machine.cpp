@@ -12,6 +12,9 @@ class WatchMachineTest : public QObject
 private slots:
     void room_on_the_disk_is_judged_data();
     void room_on_the_disk_is_judged();
+    void a_disk_that_wobbles_is_told_of_once_data();
+    void a_disk_that_wobbles_is_told_of_once();
+    void a_restart_forgets_no_disk();
     void the_clocks_tell_of_steps_and_of_sleep_data();
     void the_clocks_tell_of_steps_and_of_sleep();
     void what_happened_is_found_for_ten_minutes();
@@ -79,10 +82,67 @@ void WatchMachineTest::room_on_the_disk_is_judged()
     QFETCH(qint64, files);
     QFETCH(double, rate);
     Situation situation;
-    const bool found = judge_room({bytes, files, rate}, situation);
+    const bool found = judge_room({bytes, files, rate}, false, situation);
     QTEST(found ? QString("%1: %2").arg(traits_of(situation.condition).key, situation.detail)
                 : QString(),
           "found");
+}
+
+void WatchMachineTest::a_disk_that_wobbles_is_told_of_once_data()
+{
+    QTest::addColumn<QString>("before");
+    QTest::addColumn<qint64>("bytes");
+    QTest::addColumn<qint64>("files");
+    QTest::addColumn<double>("rate");
+    QTest::addColumn<QString>("found");
+    const auto row = [](const char* name, const char* before, qint64 bytes, qint64 files,
+                        double rate, const char* found) {
+        QTest::newRow(name) << QString(before) << bytes << files << rate << QString(found);
+    };
+    row("low, and a little more", "disk-low", 200 * MB, 9, 0.0, "disk-low");
+    row("low, just before it ends", "disk-low", 250 * MB - 1, 9, 0.0, "disk-low");
+    row("low, and its end", "disk-low", 250 * MB, 9, 0.0, "");
+    row("low for a day, and a little more", "disk-low", 864 * MB, 9, 10000.0, "disk-low");
+    row("low for a day, just before it ends", "disk-low", 1080 * MB - 1, 9, 10000.0, "disk-low");
+    row("low for a day, and its end", "disk-low", 1080 * MB, 9, 10000.0, "");
+    row("low, and nobody knows how fast it fills", "disk-low", 5000 * MB, 9, -1.0, "disk-low");
+    row("well, and nobody knows how fast it fills", "", 5000 * MB, 9, -1.0, "");
+    row("full, and a block comes free", "disk-full", 4096, 9, 0.0, "disk-full");
+    row("full, just before it ends", "disk-full", 65535, 9, 0.0, "disk-full");
+    row("full, and its end, but low", "disk-full", 65536, 999, 0.0, "disk-low");
+    row("full, still low", "disk-full", 240 * MB, 999, 0.0, "disk-low");
+    row("full, and all is well", "disk-full", 250 * MB, 999, 0.0, "");
+    row("no file more, and one comes free", "disk-full", 5000 * MB, 1, 0.0, "disk-full");
+    row("no file more, and its end", "disk-full", 5000 * MB, 16, 0.0, "");
+    row("low, and full", "disk-low", 4095, 9, 0.0, "disk-full");
+}
+
+void WatchMachineTest::a_disk_that_wobbles_is_told_of_once()
+{
+    QFETCH(QString, before);
+    QFETCH(qint64, bytes);
+    QFETCH(qint64, files);
+    QFETCH(double, rate);
+    Situation situation;
+    situation.condition = before == "disk-full" ? Condition::DiskFull : Condition::DiskLow;
+    const bool found = judge_room({bytes, files, rate}, !before.isEmpty(), situation);
+    QTEST(found ? QString(traits_of(situation.condition).key) : QString(), "found");
+}
+
+void WatchMachineTest::a_restart_forgets_no_disk()
+{
+    Situation low;
+    low.log = "/";
+    low.condition = Condition::DiskLow;
+    low.since = QDateTime(QDate(2026, 3, 4), QTime(0, 2), Qt::UTC);
+    MachineLook machine;
+    machine.recall({low});
+    Moment now = {QDateTime(QDate(2026, 3, 4), QTime(1, 2), Qt::UTC), 1000000, 2000000};
+    QList<Situation> found = machine.look(now, {{"/", 0}});
+    QCOMPARE(found.size(), 1);
+    QVERIFY(found[0].condition == Condition::DiskLow);
+    QCOMPARE(found[0].since, low.since);
+    QCOMPARE(machine.disks().size(), 1);
 }
 
 void WatchMachineTest::the_clocks_tell_of_steps_and_of_sleep_data()

@@ -25,6 +25,7 @@ class WatchWritersTest : public QObject
 private slots:
     void a_program_that_is_killed_is_gone_data();
     void a_program_that_is_killed_is_gone();
+    void a_power_cut_leaves_the_program_gone();
     void a_program_that_nobody_has_missed_yet_is_gone();
     void a_watch_that_comes_back_finds_the_program_gone();
     void a_program_gone_is_over_when_the_test_goes_on();
@@ -46,6 +47,13 @@ const QByteArray HEAD = "Kestrometer Log\nBattery Name:  Pack A\nSerial Number: 
                         "Charge Number:               1\n"
                         "Timestamp:                   2020-04-03 09:15:02\n"
                         "Time (s),Voltage (V)\n";
+
+QByteArray of_another_boot(QByteArray memory)
+{
+    const int at = memory.indexOf("\"boot\": \"") + 9;
+    memory[at] = memory[at] == '0' ? '1' : '0';
+    return memory;
+}
 
 QByteArray change(const char* phase, const char* time = "2020-04-03 09:15:02")
 {
@@ -146,7 +154,36 @@ void WatchWritersTest::a_program_that_is_killed_is_gone()
     QCOMPARE(place.watch->seen.situations.first().since.toSecsSinceEpoch(),
              place.watch->now.time.toSecsSinceEpoch());
     QTEST(place.watch->look_after(80000), "found");
-    QCOMPARE(place.watch->look_after(86400), QString());
+    // An instrument that may be on is no matter of days; a test that was done is.
+    const bool done = phase == "Done";
+    QCOMPARE(place.watch->look_after(86400), QString(done ? "" : "program-gone"));
+}
+
+void WatchWritersTest::a_power_cut_leaves_the_program_gone()
+{
+    Place place;
+    place.begin();
+    QCOMPARE(place.watch->look_after(2), QString("charging"));
+    place.program->kill();
+    const QString memory = QDir(place.watch->state.path()).filePath("tests.json");
+    QByteArray text = of_another_boot(content_of(memory));
+    // The disk goes by another number since the machine was started again.
+    const int device = text.indexOf("\"device\": \"") + 11;
+    text.insert(device, "9");
+    QVERIFY(write_file(memory, text));
+    // The folder comes when it is mounted.
+    const QString away = place.folder.path() + ".away";
+    QVERIFY(QDir().rename(place.folder.path(), away));
+    place.watch->restart();
+    QCOMPARE(place.watch->look_after(2), QString());
+    place.watch->restart();
+    QCOMPARE(place.watch->look_after(2), QString());
+    QVERIFY(QDir().rename(away, place.folder.path()));
+    QCOMPARE(place.watch->look_after(2), QString("program-gone"));
+    QCOMPARE(place.watch->look_after(200000), QString("program-gone"));
+    // The same program works on another log: somebody has been there.
+    const WritingProgram next(place.folder.filePath("b.csv"));
+    QCOMPARE(place.watch->look_after(20), QString());
 }
 
 void WatchWritersTest::a_program_that_nobody_has_missed_yet_is_gone()
@@ -260,7 +297,16 @@ void WatchWritersTest::what_ran_is_remembered_whole()
     memory.holder.program = "kest \"x\"";
     memory.writer = Writer::Gone;
     memory.ended = QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5), Qt::UTC);
-    const QList<LogMemory> read = memories_in(text_of({memory}));
+    Situation disk;
+    disk.log = "/logs \xff";
+    disk.condition = Condition::DiskFull;
+    disk.since = memory.ended.addMSecs(17);
+    const WatchMemory whole = memory_in(text_of({{memory}, {disk}}));
+    QCOMPARE(whole.disks.size(), 1);
+    QCOMPARE(whole.disks[0].log, disk.log);
+    QCOMPARE(whole.disks[0].condition, disk.condition);
+    QCOMPARE(whole.disks[0].since, disk.since);
+    const QList<LogMemory>& read = whole.tests;
     QCOMPARE(read.size(), 1);
     QCOMPARE(read[0].path, memory.path);
     QVERIFY(read[0].identity == memory.identity);
@@ -277,10 +323,10 @@ void WatchWritersTest::a_memory_of_another_start_knows_of_no_process()
     memory.path = "/a.csv";
     memory.holder.process = ::getpid();
     memory.holder.started = 5;
-    QByteArray text = text_of({memory});
-    const int at = text.indexOf("\"boot\": \"") + 9;
-    text[at] = text[at] == '0' ? '1' : '0';
-    QVERIFY(memories_in(text).first().holder.started != 5);
+    const LogMemory read = memory_in(of_another_boot(text_of({{memory}, {}}))).tests.first();
+    QVERIFY(!read.holder.is_known());
+    QCOMPARE(read.holder.started, quint64(0));
+    QVERIFY(!read.same_boot);
 }
 
 void WatchWritersTest::no_memory_is_read_from_garbage_data()
@@ -295,7 +341,9 @@ void WatchWritersTest::no_memory_is_read_from_garbage_data()
 void WatchWritersTest::no_memory_is_read_from_garbage()
 {
     QFETCH(QByteArray, text);
-    QVERIFY(memories_in(text).isEmpty());
+    const WatchMemory memory = memory_in(text);
+    QVERIFY(memory.tests.isEmpty());
+    QVERIFY(memory.disks.isEmpty());
 }
 
 void WatchWritersTest::a_hostile_name_comes_through_whole()
@@ -314,6 +362,9 @@ void WatchWritersTest::a_hostile_name_comes_through_whole()
     QCOMPARE(place.watch->seen.situations.first().facts.battery, QString::fromUtf8(name));
     place.watch->restart();
     QCOMPARE(place.watch->look_after(2), QString("charging"));
+    // The folder cannot be removed with a name in it that is no text.
+    QVERIFY(::unlink(path.constData()) == 0);
+    QVERIFY(::unlink((path.left(path.size() - 4) + ".txt").constData()) == 0);
 }
 
 KEST_GUILESS_TEST(WatchWritersTest)
