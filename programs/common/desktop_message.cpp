@@ -10,6 +10,23 @@ bool has_session_bus()
            (!runtime_folder.isEmpty() && QFile::exists(QFile::decodeName(runtime_folder + "/bus")));
 }
 
+namespace
+{
+QDBusMessage call_of(const QString& method)
+{
+    return QDBusMessage::createMethodCall("org.freedesktop.Notifications",
+                                          "/org/freedesktop/Notifications",
+                                          "org.freedesktop.Notifications", method);
+}
+}  // namespace
+
+QDBusMessage desktop_close_call(uint number)
+{
+    QDBusMessage call = call_of("CloseNotification");
+    call << number;
+    return call;
+}
+
 QDBusMessage desktop_call(const DesktopMessage& message)
 {
     constexpr uchar NORMAL = 1;
@@ -17,9 +34,7 @@ QDBusMessage desktop_call(const DesktopMessage& message)
     constexpr int AS_THE_DESKTOP_LIKES = -1;
     constexpr int NEVER_EXPIRES = 0;
     const QVariantMap hints = {{"urgency", QVariant::fromValue(message.stays ? CRITICAL : NORMAL)}};
-    QDBusMessage call = QDBusMessage::createMethodCall("org.freedesktop.Notifications",
-                                                       "/org/freedesktop/Notifications",
-                                                       "org.freedesktop.Notifications", "Notify");
+    QDBusMessage call = call_of("Notify");
     call << QString("Kest Battery Tester") << message.replaces << QString("kest-battery-tester")
          << message.headline << message.text.toHtmlEscaped() << QStringList() << hints
          << (message.stays ? NEVER_EXPIRES : AS_THE_DESKTOP_LIKES);

@@ -17,3 +17,6 @@ bool has_session_bus();
 
 /** The call that shows it; its answer is the desktop's number. */
 QDBusMessage desktop_call(const DesktopMessage& message);
+
+/** The call that takes it away again. */
+QDBusMessage desktop_close_call(uint number);

@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 /** kest-watch --check, as whoever sets it up runs it. */
 class WatchCheckTest : public QObject
 {
@@ -15,6 +17,7 @@ class WatchCheckTest : public QObject
 private slots:
     void all_ways_are_tried();
     void what_fails_is_told();
+    void each_fate_is_told_as_it_is_known();
     void a_wrong_file_is_told();
 };
 
@@ -31,16 +34,21 @@ struct Check
             qFatal("No settings.");
     }
 
-    void run()
+    void start(QProcess& process) const
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("XDG_CONFIG_HOME", folder.path());
         environment.insert("XDG_STATE_HOME", folder.path());
         environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/session");
         environment.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nowhere/system");
-        QProcess process;
         process.setProcessEnvironment(environment);
         process.start(KEST_WATCH, {"--check", "/logs"});
+    }
+
+    void run()
+    {
+        QProcess process;
+        start(process);
         // The test's own web hook answers meanwhile.
         const auto has_ended = [&] {
             return process.state() == QProcess::NotRunning;
@@ -92,6 +100,26 @@ void WatchCheckTest::what_fails_is_told()
                                "sleep: FAILED: cannot be kept off: " +
                                refusal.arg("system") + "\n");
     QCOMPARE(check.status, 1);
+}
+
+void WatchCheckTest::each_fate_is_told_as_it_is_known()
+{
+    Check check("");
+    const QString valve = check.folder.filePath("valve");
+    QVERIFY(::mkfifo(QFile::encodeName(valve).constData(), 0600) == 0);
+    QVERIFY(write_file(check.folder.filePath("kest-watch.conf"),
+                       "no-desktop\nno-inhibit\nrun = true\nrun = cat " + valve.toUtf8() + "\n"));
+    QProcess process;
+    check.start(process);
+    QByteArray said;
+    while (!said.contains("command true: sent.\n") && process.waitForReadyRead(PATIENCE_MS))
+        said += process.readAllStandardOutput();
+    QVERIFY(said.endsWith("command true: sent.\n"));
+    // Only now the second one may come to its end.
+    QVERIFY(write_file(valve, "x"));
+    QVERIFY(process.waitForFinished(PATIENCE_MS));
+    QCOMPARE(QString::fromUtf8(process.readAllStandardOutput()),
+             QString("command cat %1: sent.\n").arg(valve));
 }
 
 void WatchCheckTest::a_wrong_file_is_told()

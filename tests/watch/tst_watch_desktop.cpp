@@ -18,10 +18,12 @@ private slots:
     void initTestCase();
     void a_notice_is_whole_and_harmless();
     void what_is_urgent_stays_until_it_is_over();
+    void the_end_of_a_test_takes_its_notices_away();
     void another_log_gets_a_notice_of_its_own();
     void without_a_desktop_it_is_tried_later();
     void the_computer_stays_awake_while_a_test_runs();
     void a_refusal_is_told_once();
+    void what_was_refused_is_asked_for_again();
     void what_is_granted_too_late_is_let_go();
 
 private:
@@ -124,6 +126,22 @@ void WatchDesktopTest::what_is_urgent_stays_until_it_is_over()
                           "replaces 1, urgency 1, -1", "replaces 0, urgency 2, 0"}));
 }
 
+void WatchDesktopTest::the_end_of_a_test_takes_its_notices_away()
+{
+    const Notices desktop(session);
+    QVERIFY(desktop.runs());
+    QObject owner;
+    const Way way = desktop_way(&owner);
+    Event other = event_of_condition(Condition::InstrumentSilent);
+    other.situation.log = "/logs/other.csv";
+    QCOMPARE(sent(way, other), QString("arrived"));
+    QCOMPARE(sent(way, event_of_condition(Condition::InstrumentSilent)), QString("arrived"));
+    QCOMPARE(sent(way, event_of_condition(Condition::ProgramGone)), QString("arrived"));
+    QVERIFY(QTest::qWaitFor([&] { return desktop.calls("CloseNotification").size() == 1; },
+                            PATIENCE_MS));
+    QCOMPARE(desktop.calls("CloseNotification").first(), QVariantList({2U}));
+}
+
 void WatchDesktopTest::another_log_gets_a_notice_of_its_own()
 {
     const Notices desktop(session);
@@ -206,6 +224,24 @@ void WatchDesktopTest::a_refusal_is_told_once()
     QVERIFY(QTest::qWaitFor(asks_again, PATIENCE_MS));
     QCOMPARE(refused.size(), 1);
     QVERIFY(!inhibitor.holds());
+}
+
+void WatchDesktopTest::what_was_refused_is_asked_for_again()
+{
+    SleepInhibitor inhibitor(0);
+    QSignalSpy refused(&inhibitor, &SleepInhibitor::sig_refused);
+    inhibitor.set_needed(true);
+    QVERIFY(QTest::qWaitFor([&] { return refused.size() == 1; }, PATIENCE_MS));
+    const Logind logind(system);
+    QVERIFY(logind.runs());
+    const auto is_held = [&] {
+        inhibitor.set_needed(true);
+        return inhibitor.holds();
+    };
+    QVERIFY(QTest::qWaitFor(is_held, PATIENCE_MS));
+    QCOMPARE(refused.size(), 1);
+    inhibitor.set_needed(false);
+    QVERIFY(logind.comes_to(0));
 }
 
 void WatchDesktopTest::what_is_granted_too_late_is_let_go()

@@ -34,41 +34,42 @@ QString remind_text(int minutes)
     return QString("Reminders: every %1 minutes, while something lasts.\n").arg(minutes);
 }
 
-QString try_way(const Way& way, bool& all_good)
+/** How a try went. */
+struct Outcome
+{
+    QString line;
+    bool good = true;
+};
+
+Outcome try_way(const Way& way)
 {
     QEventLoop loop;
-    QString line = way.name + ": ";
-    bool answered = false;
+    Outcome outcome;
     way.send(test_event(), [&](Arrival arrival, const QString& reason) {
-        const bool arrived = arrival == Arrival::Arrived;
-        line += arrived ? "sent." : QString("FAILED: %1.").arg(reason);
-        all_good = all_good && arrived;
-        answered = true;
+        outcome.good = arrival == Arrival::Arrived;
+        outcome.line = QString("%1: %2\n")
+                           .arg(way.name, outcome.good ? QString("sent.")
+                                                       : QString("FAILED: %1.").arg(reason));
         loop.quit();
     });
-    if (!answered)
+    if (outcome.line.isEmpty())
         loop.exec();
-    return line + '\n';
+    return outcome;
 }
 
-QString try_inhibitor(bool& all_good)
+Outcome try_inhibitor()
 {
     QEventLoop loop;
     SleepInhibitor inhibitor;
-    QString line;
-    QObject::connect(&inhibitor, &SleepInhibitor::sig_held, &loop, [&] {
-        line = "sleep: can be kept off while a test runs.\n";
-        loop.quit();
-    });
+    Outcome outcome = {"sleep: can be kept off while a test runs.\n", true};
+    QObject::connect(&inhibitor, &SleepInhibitor::sig_held, &loop, &QEventLoop::quit);
     QObject::connect(&inhibitor, &SleepInhibitor::sig_refused, &loop, [&](const QString& reason) {
-        line = QString("sleep: FAILED: cannot be kept off: %1\n").arg(reason);
-        all_good = false;
+        outcome = {QString("sleep: FAILED: cannot be kept off: %1\n").arg(reason), false};
         loop.quit();
     });
     inhibitor.set_needed(true);
-    if (line.isEmpty())
-        loop.exec();
-    return line;
+    loop.exec();
+    return outcome;
 }
 }  // namespace
 
@@ -83,13 +84,17 @@ QString plan_text(const TellSettings& settings, const QStringList& folders)
     return text + remind_text(settings.remind_minutes) + hours_text(settings.quiet_hours);
 }
 
-QString try_all(const TellSettings& settings, bool& all_good)
+bool try_all(const TellSettings& settings, const std::function<void(const QString& line)>& tell)
 {
     QObject owner;
-    QString text;
+    bool all_good = true;
+    const auto note = [&](const Outcome& outcome) {
+        tell(outcome.line);
+        all_good = all_good && outcome.good;
+    };
     for (const Way& way : ways_of(settings, &owner))
-        text += try_way(way, all_good);
+        note(try_way(way));
     if (settings.inhibits_sleep)
-        text += try_inhibitor(all_good);
-    return text;
+        note(try_inhibitor());
+    return all_good;
 }

@@ -1,60 +1,45 @@
 #include "programs/common/desktop_message.h"
+#include "watch/tells/bus_line.h"
 #include "watch/tells/event_text.h"
 #include "watch/tells/telling.h"
 #include "watch/tells/ways.h"
 
-#include <QDBusConnection>
-#include <QDBusError>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QHash>
+#include <QMap>
 
 namespace
 {
 constexpr int MOST_MESSAGES = 20;  // whoever comes to the desktop is not to be buried
-constexpr int PATIENCE_MS = 10000;
-const QString CONNECTION = "kest-watch-desktop";
 
 /** The desktop's end of the session's bus. What it shows of a condition is replaced by what follows. */
 class Desktop : public QObject
 {
 public:
-    explicit Desktop(QObject* owner) : QObject(owner)
+    explicit Desktop(QObject* owner) : QObject(owner), session(QDBusConnection::SessionBus)
     {
-    }
-    ~Desktop() override
-    {
-        QDBusConnection::disconnectFromBus(CONNECTION);
     }
     void send(const Event& event, const Answer& answer);
 
 private:
-    void take_answer(const QDBusPendingReply<uint>& reply, const Event& event,
-                     const Answer& answer);
+    void take_answer(const QDBusReply<uint>& reply, const Event& event, const Answer& answer);
+    void close_what_it_speaks_for(const Event& event);
 
-    QHash<QByteArray, uint> shown;  ///< the desktop's number, by condition and log
+    BusLine session;
+    QHash<QByteArray, QMap<Condition, uint>> shown;  ///< the desktop's numbers, by log
 };
 
-QByteArray key_of(const Event& event)
+bool holds(const Event& event)
 {
-    return QByteArray::number(int(event.situation.condition)) + event.situation.log;
-}
-
-QDBusConnection connected()
-{
-    // A connection that was refused or has broken stays so: the next message makes a new one.
-    if (!QDBusConnection(CONNECTION).isConnected())
-        QDBusConnection::disconnectFromBus(CONNECTION);
-    return QDBusConnection::connectToBus(QDBusConnection::SessionBus, CONNECTION);
+    return event.change == Change::Begins || event.change == Change::Lasts;
 }
 
 DesktopMessage message_for(const Event& event, uint replaces)
 {
-    const bool holds = event.change == Change::Begins || event.change == Change::Lasts;
     DesktopMessage message;
     message.headline = title_of(event);
     message.text = message_of(event);
-    message.stays = holds && has(event.situation.condition, URGENT);
+    message.stays = holds(event) && has(event.situation.condition, URGENT);
     message.replaces = replaces;
     return message;
 }
@@ -65,32 +50,43 @@ void Desktop::send(const Event& event, const Answer& answer)
         answer(Arrival::Later, "there is no desktop session");
         return;
     }
-    const QDBusConnection bus = connected();
-    // Nobody would ever hear of a call without a connection.
-    if (!bus.isConnected()) {
-        answer(Arrival::Later, bus.lastError().message());
-        return;
-    }
-    const QDBusMessage call = desktop_call(message_for(event, shown.value(key_of(event))));
-    auto* const watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, PATIENCE_MS), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [=] {
-        watcher->deleteLater();
-        take_answer(*watcher, event, answer);
-    });
+    const Situation& situation = event.situation;
+    const uint replaces = shown.value(situation.log).value(situation.condition);
+    session.call(desktop_call(message_for(event, replaces)),
+                 [=](const QDBusMessage& reply) { take_answer(reply, event, answer); });
 }
 
-void Desktop::take_answer(const QDBusPendingReply<uint>& reply, const Event& event,
-                          const Answer& answer)
+void Desktop::take_answer(const QDBusReply<uint>& reply, const Event& event, const Answer& answer)
 {
-    if (reply.isError()) {
+    if (!reply.isValid()) {
         answer(Arrival::Later, reply.error().message());
         return;
     }
-    if (event.change == Change::Begins || event.change == Change::Lasts)
-        shown.insert(key_of(event), reply.value());
+    close_what_it_speaks_for(event);
+    QMap<Condition, uint>& of_log = shown[event.situation.log];
+    if (holds(event))
+        of_log.insert(event.situation.condition, reply.value());
     else
-        shown.remove(key_of(event));
+        of_log.remove(event.situation.condition);
+    if (of_log.isEmpty())
+        shown.remove(event.situation.log);
     answer(Arrival::Arrived, {});
+}
+
+/** Nobody tells that these are over, and some stay until somebody takes them away. */
+void Desktop::close_what_it_speaks_for(const Event& event)
+{
+    if (!holds(event))
+        return;
+    QMap<Condition, uint>& of_log = shown[event.situation.log];
+    for (auto other = of_log.begin(); other != of_log.end();) {
+        if (!speaks_for(event.situation.condition, other.key())) {
+            ++other;
+            continue;
+        }
+        session.call(desktop_close_call(other.value()), [](const QDBusMessage&) {});
+        other = of_log.erase(other);
+    }
 }
 }  // namespace
 

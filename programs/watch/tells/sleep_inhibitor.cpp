@@ -1,16 +1,9 @@
 #include "watch/tells/sleep_inhibitor.h"
 
-#include <QDBusConnection>
-#include <QDBusError>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusReply>
 
 namespace
 {
-constexpr int PATIENCE_MS = 10000;
-const QString CONNECTION = "kest-watch-logind";
-
 QDBusMessage inhibit_call()
 {
     QDBusMessage call =
@@ -22,13 +15,8 @@ QDBusMessage inhibit_call()
 }
 }  // namespace
 
-SleepInhibitor::SleepInhibitor(QObject* parent) : QObject(parent)
+SleepInhibitor::SleepInhibitor(int pause_ms) : system(QDBusConnection::SystemBus), pause(pause_ms)
 {
-}
-
-SleepInhibitor::~SleepInhibitor()
-{
-    QDBusConnection::disconnectFromBus(CONNECTION);
 }
 
 bool SleepInhibitor::holds() const
@@ -39,43 +27,32 @@ bool SleepInhibitor::holds() const
 void SleepInhibitor::set_needed(bool is_needed)
 {
     const bool rises = is_needed && !needed;
+    const bool again = since_refusal.isValid() && since_refusal.hasExpired(pause);
     needed = is_needed;
     if (!needed)
         lock = QDBusUnixFileDescriptor();
-    else if (rises && !asking && !holds())
+    else if ((rises || again) && !asking && !holds())
         ask();
 }
 
 void SleepInhibitor::ask()
 {
-    if (!QDBusConnection(CONNECTION).isConnected())
-        QDBusConnection::disconnectFromBus(CONNECTION);
-    const QDBusConnection system =
-        QDBusConnection::connectToBus(QDBusConnection::SystemBus, CONNECTION);
-    // Nobody would ever hear of a call without a connection.
-    if (!system.isConnected()) {
-        refuse(system.lastError().message());
-        return;
-    }
     asking = true;
-    auto* const watcher =
-        new QDBusPendingCallWatcher(system.asyncCall(inhibit_call(), PATIENCE_MS), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        asking = false;
-        const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *watcher;
-        if (reply.isError())
-            refuse(reply.error().message());
-        else if (needed)
-            lock = reply.value();
-        if (holds())
-            emit sig_held();
-    });
+    since_refusal.invalidate();
+    system.call(inhibit_call(), [this](const QDBusMessage& answer) { take_answer(answer); });
 }
 
-void SleepInhibitor::refuse(const QString& reason)
+void SleepInhibitor::take_answer(const QDBusMessage& answer)
 {
-    if (!refused)
-        emit sig_refused(reason);
-    refused = true;
+    asking = false;
+    const QDBusReply<QDBusUnixFileDescriptor> reply = answer;
+    if (!reply.isValid()) {
+        since_refusal.start();
+        if (!refused)
+            emit sig_refused(reply.error().message());
+        refused = true;
+    } else if (needed) {
+        lock = reply.value();
+        emit sig_held();
+    }
 }
