@@ -2,6 +2,7 @@
 
 #include "common/time_span.h"
 #include "programs/common/text_table.h"
+#include "records/event_line.h"
 
 #include <QFileInfo>
 #include <QJsonArray>
@@ -71,9 +72,17 @@ QList<QList<Situation>> tests_in(const Look& look)
     return tests;
 }
 
+bool was_done(const TestFacts& facts)
+{
+    return phase_of(facts.phase) == TestPhase::Done;
+}
+
+/** "discharging, no current flows"; what ended after it was done is "done, ended". */
 QString state_text(const QList<Situation>& test)
 {
     QStringList words;
+    if (test.first().condition == Condition::Ended && was_done(test.first().facts))
+        words << traits_of(Condition::Done).text;
     for (const Situation& situation : test)
         words << traits_of(situation.condition).text;
     return words.join(", ");

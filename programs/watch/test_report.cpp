@@ -27,11 +27,11 @@ QString detail_of(Condition condition, const TestView& view)
         return QString("It has lasted %1.").arg(span(view.phase_seconds));
     case Condition::ResistanceTestsFail:
         return QString("%1 in a row gave a negative resistance.").arg(view.botched_tests);
-    case Condition::ProgramGone:
-        return "The program that wrote the log is no more; the instrument may still be on.";
     case Condition::Ended:
-        return view.writer == Writer::Gone
-                   ? "The program was closed when the test was done."
+        if (view.writer == Writer::Gone)
+            return "The program was closed.";
+        return view.phase == TestPhase::Done
+                   ? QString()
                    : "The program has closed the log, or it was moved away.";
     case Condition::PerhapsEnded:
         return QString("Nothing was written for %1, and the system does not tell who writes here.")

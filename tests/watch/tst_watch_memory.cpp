@@ -159,7 +159,7 @@ void WatchMemoryTest::each_thing_is_told_once_again_and_when_it_is_over_data()
                    "begins step-does-not-end of C"},
                   {"23:10: resistance-tests-fail of A, program-gone of B, disk-low of /l, "
                    "disk-full of /m",
-                   "over instrument-silent of A at 23:10, over no-current of B at 23:10, "
+                   "over instrument-silent of A at 23:10, "
                    "over step-does-not-end of C at 23:10, begins resistance-tests-fail of A, "
                    "begins program-gone of B, begins disk-low of /l, begins disk-full of /m"}});
     add_row(
@@ -188,6 +188,31 @@ void WatchMemoryTest::each_thing_is_told_once_again_and_when_it_is_over_data()
               {"2 13:31: done of D since 12:00", ""}});
     add_row("at a later look nothing is too old", 60, "",
             Story{{"08:00: ", ""}, {"3 08:00: ended of A since 09:00", "begins ended of A"}});
+    add_row("the end of a test speaks for all that was up with it", 60, "",
+            Story{{"08:00: done of A, instrument-silent of B, waits-for-operator of C",
+                   "begins done of A, begins instrument-silent of B, begins waits-for-operator of "
+                   "C"},
+                  {"08:10: ended of A, program-gone of B, perhaps-ended of C, disk-low of A",
+                   "begins ended of A, begins program-gone of B, begins perhaps-ended of C, begins "
+                   "disk-low of A"},
+                  {"08:20: waits-for-operator of C",
+                   "over program-gone of B at 08:20, over perhaps-ended of C at 08:20, over "
+                   "disk-low of A at 08:20, begins waits-for-operator of C"}});
+    add_row("in quiet hours, too", 60, "22-6",
+            Story{{"21:00: waits-for-operator of A", "begins waits-for-operator of A"},
+                  {"22:30: ", ""},
+                  {"23:30: ended of A", ""},
+                  {"2 06:00: ended of A since 23:30", "begins ended of A"}});
+    add_row("one trouble speaks for a lesser one", 60, "",
+            Story{{"08:00: no-current of A, step-does-not-end of B, disk-low of /l",
+                   "begins no-current of A, begins step-does-not-end of B, begins disk-low of /l"},
+                  {"08:10: instrument-silent of A, instrument-silent of B, disk-full of /l",
+                   "begins instrument-silent of A, begins instrument-silent of B, begins "
+                   "disk-full of /l"},
+                  {"08:20: no-current of A, disk-low of /l",
+                   "over instrument-silent of A at 08:20, over instrument-silent of B at 08:20, "
+                   "over disk-full of /l at 08:20, begins no-current of A, begins disk-low of "
+                   "/l"}});
     add_row("a clock that was put back silences nothing", 60, "",
             Story{{"2 08:00: disk-full of /l", "begins disk-full of /l"},
                   {"07:00: disk-full of /l", "lasts disk-full of /l"},

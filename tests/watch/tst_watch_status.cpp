@@ -69,10 +69,13 @@ Look whole_look()
     no_current.detail = "No row for 01m 01s.";
     Situation waiting = found("/logs/\xff.csv", Condition::WaitsForOperator);
     waiting.facts.battery = "Pack B";
+    Situation put_away = found("/logs/b.csv", Condition::Ended);
+    put_away.facts.battery = "Pack C";
+    put_away.facts.phase = "Done";
     Situation low = found("/logs", Condition::DiskLow);
     low.detail = "120.0 MB are left.";
     Look look;
-    look.situations = {discharging(), no_current, waiting, low};
+    look.situations = {discharging(), no_current, waiting, put_away, low};
     return look;
 }
 

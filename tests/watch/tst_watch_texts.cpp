@@ -19,6 +19,8 @@ private slots:
     void all_messages();
     void the_event_as_json();
     void what_is_not_known_is_left_out();
+    void what_has_just_begun_has_no_duration();
+    void a_reason_ends_as_one_sentence();
     void a_pack_without_a_name_goes_by_its_log();
     void durations_data();
     void durations();
@@ -73,6 +75,9 @@ void WatchTextsTest::all_messages()
     Event night = event_of_condition(Condition::WaitsForOperator, Change::Over);
     night.first = true;
     all += title_of(night).toUtf8() + "\n" + message_of(night).toUtf8() + "\n\n";
+    Event put_away = event_of_condition(Condition::Ended);
+    put_away.situation.facts.phase = "Done";
+    all += title_of(put_away).toUtf8() + "\n" + message_of(put_away).toUtf8() + "\n\n";
     Event test;
     test.change = Change::Test;
     test.host = "bench";
@@ -92,14 +97,31 @@ void WatchTextsTest::what_is_not_known_is_left_out()
     event.situation.facts = TestFacts();
     event.situation.since = QDateTime();
     QCOMPARE(message_of(event),
-             QString("No process writes this log any more, and the test had not ended. Switch the "
-                     "instrument off: it keeps its last command.\nLog: /logs/Pack A_1042.csv"));
+             QString("The program that wrote this log has ended, and the test was not done. The "
+                     "instrument keeps its last command: switch it off by hand.\n"
+                     "Log: /logs/Pack A_1042.csv"));
     const QJsonObject object = event_json(event);
     for (const char* key : {"volts", "amps", "amp_hours", "milliohms", "cycle", "row_age_seconds",
-                            "since", "end_from", "end_to"})
+                            "since", "end_from", "end_to", "end_error_share"})
         QVERIFY2(object[key].isNull(), key);
     for (const QByteArray& variable : event_environment(event))
         QVERIFY2(!variable.contains("nan"), variable.constData());
+}
+
+void WatchTextsTest::what_has_just_begun_has_no_duration()
+{
+    Event event = event_of_condition(Condition::Done);
+    event.time = event.situation.since.addSecs(59);
+    QVERIFY(message_of(event).contains("\nSince 2026-11-22 02:14.\n"));
+    event.time = event.time.addSecs(1);
+    QVERIFY(message_of(event).contains("\nSince 2026-11-22 02:14 (1 min).\n"));
+}
+
+void WatchTextsTest::a_reason_ends_as_one_sentence()
+{
+    Event event = event_of_condition(Condition::Done);
+    event.situation.facts.reason = "User clicked 'Start'.";
+    QVERIFY(message_of(event).contains("\nLast change: User clicked 'Start'.\n"));
 }
 
 void WatchTextsTest::a_pack_without_a_name_goes_by_its_log()

@@ -18,6 +18,7 @@ Situation situation_of(Condition condition)
     situation.facts.row_age = 95;
     situation.facts.end_from = situation.since.addSecs(4 * 3600);
     situation.facts.end_to = situation.since.addSecs(5 * 3600);
+    situation.facts.end_error = 0.043;
     return situation;
 }
 

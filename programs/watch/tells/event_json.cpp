@@ -35,7 +35,8 @@ struct Figure
 constexpr Figure FIGURES[] = {{"volts", &TestFacts::volts},
                               {"amps", &TestFacts::amps},
                               {"amp_hours", &TestFacts::amp_hours},
-                              {"milliohms", &TestFacts::milliohms}};
+                              {"milliohms", &TestFacts::milliohms},
+                              {"end_error_share", &TestFacts::end_error}};
 
 struct Words
 {

@@ -53,6 +53,9 @@ QString since_line(const Event& event)
     const QString duration = duration_text(since.secsTo(event.time));
     if (event.change == Change::Over)
         return QString("From %1 to %2 (%3).").arg(local(since), local(event.time), duration);
+    // What has just begun has no duration yet.
+    if (since.secsTo(event.time) < 60)
+        return QString("Since %1.").arg(local(since));
     return QString("Since %1 (%2).").arg(local(since), duration);
 }
 
@@ -80,16 +83,23 @@ QString figures_line(const TestFacts& facts)
 
 QString reason_line(const TestFacts& facts)
 {
-    return facts.reason.isEmpty() ? QString()
-                                  : QString("Last change: %1.").arg(visible(facts.reason));
+    if (facts.reason.isEmpty())
+        return {};
+    // Some reasons are whole sentences.
+    return "Last change: " + visible(facts.reason) + (facts.reason.endsWith('.') ? "" : ".");
 }
 
 QString end_line(const TestFacts& facts)
 {
     if (!facts.end_from.isValid() || !facts.end_to.isValid())
         return {};
-    return QString("Expected to end between %1 and %2.")
-        .arg(local(facts.end_from), local(facts.end_to));
+    const QString range = QString("This leg is expected to end between %1 and %2")
+                              .arg(local(facts.end_from), local(facts.end_to));
+    if (!std::isfinite(facts.end_error))
+        return range + '.';
+    return QString("%1; nine of ten such forecasts were off by no more than %2 %.")
+        .arg(range)
+        .arg(std::ceil(facts.end_error * 100.0));
 }
 
 QString log_line(const Situation& situation)
@@ -103,7 +113,7 @@ QString meaning(const Event& event)
     // Once it is over there is nothing to do about it.
     if (event.change == Change::Over)
         return event.first ? "It began and was over in the quiet hours." : QString();
-    return telling_of(event.situation.condition).sentence;
+    return telling_of(event.situation).sentence;
 }
 }  // namespace
 
@@ -147,7 +157,7 @@ QString name_of(const Event& event)
 
 QString title_of(const Event& event)
 {
-    const Telling& telling = telling_of(event.situation.condition);
+    const Telling& telling = telling_of(event.situation);
     QString headline = telling.headline;
     if (event.change == Change::Test)
         headline = "a test message";

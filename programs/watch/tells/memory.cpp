@@ -41,6 +41,14 @@ void see_again(Noted& noted, const Situation& situation)
     noted.situation.since = since;
 }
 
+bool has_spokesman(const Noted& noted, const QList<Situation>& situations)
+{
+    return std::any_of(situations.begin(), situations.end(), [&noted](const Situation& holding) {
+        return holding.log == noted.situation.log &&
+               speaks_for(holding.condition, noted.situation.condition);
+    });
+}
+
 /** Marks what is over and what holds again. True if either happened. */
 bool compare(Memory& memory, const QList<Situation>& situations, const QDateTime& now)
 {
@@ -53,6 +61,8 @@ bool compare(Memory& memory, const QList<Situation>& situations, const QDateTime
         const bool holds = found != situations.end();
         if (holds)
             see_again(noted, *found);
+        else if (has_spokesman(noted, situations))
+            noted.settled = true;
         if (holds != noted.over.isValid())
             continue;
         noted.over = holds ? QDateTime() : now;
@@ -90,7 +100,7 @@ std::optional<Change> due(const Noted& noted, const QDateTime& now, const TellRu
     const Condition condition = noted.situation.condition;
     const bool held_back =
         !has(condition, AT_NIGHT) && rules.quiet_hours.hold(now.toLocalTime().time());
-    if (noted.old || held_back)
+    if (noted.old || noted.settled || held_back)
         return {};
     if (noted.over.isValid() && lasts(condition))
         return Change::Over;

@@ -1,5 +1,9 @@
 #include "watch/tells/telling.h"
 
+#include "records/event_line.h"
+
+#include <algorithm>
+
 namespace
 {
 constexpr unsigned TROUBLE = TOLD | URGENT | AT_NIGHT;
@@ -17,7 +21,7 @@ constexpr Telling TELLINGS[] = {
     {Condition::Done, TOLD | DATED,
      "is done",
      "The test has come to its end. The pack may be taken off.",
-     "was done and has been put away"},
+     "goes on after it was done"},
     {Condition::InstrumentSilent, TROUBLE,
      "the instrument is silent",
      "No reading comes in, and an instrument keeps its last command: nobody ends what it does now. "
@@ -27,7 +31,7 @@ constexpr Telling TELLINGS[] = {
      "no current flows",
      "The pack is to be discharged and readings come, but none with a current. "
      "Look at the load, its fuse and the clamps.",
-     "current flows again"},
+     "no longer without current"},
     {Condition::StepDoesNotEnd, TROUBLE,
      "a step does not end",
      "A step that takes seconds has lasted for minutes. Look at the station and its instrument.",
@@ -35,14 +39,14 @@ constexpr Telling TELLINGS[] = {
     {Condition::ResistanceTestsFail, TROUBLE,
      "resistance tests fail",
      "Several in a row gave no value. Look at the clamps and the cables of the pack.",
-     "a resistance test has succeeded"},
+     "resistance tests no longer fail"},
     {Condition::ProgramGone, TROUBLE,
      "the program is gone",
-     "No process writes this log any more, and the test had not ended. "
-     "Switch the instrument off: it keeps its last command.",
-     "the log is cared for again"},
+     "The program that wrote this log has ended, and the test was not done. "
+     "The instrument keeps its last command: switch it off by hand.",
+     "has been seen to"},
     {Condition::Ended, TOLD | DATED,
-     "was ended",
+     "was ended before it was done",
      "Somebody ended the test at the computer: by a new test, by closing it, or by loading a log.",
      ""},
     {Condition::PerhapsEnded, TOLD,
@@ -69,7 +73,33 @@ constexpr Telling TELLINGS[] = {
      "Look at the packs.",
      ""},
 };
+
+constexpr Telling PUT_AWAY =
+    {Condition::Ended, TOLD | DATED,
+     "was done and has been put away",
+     "Somebody has closed the finished test at the computer: by a new test, by closing it, or by "
+     "loading a log.",
+     ""};
 // clang-format on
+
+/** Beside the end of a test, which speaks for all that was up with it. */
+struct Spokesman
+{
+    Condition holding;
+    Condition over;
+};
+constexpr Spokesman SPOKESMEN[] = {
+    {Condition::InstrumentSilent, Condition::NoCurrent},
+    {Condition::InstrumentSilent, Condition::StepDoesNotEnd},
+    {Condition::DiskFull, Condition::DiskLow},
+};
+
+constexpr Condition ENDS[] = {Condition::ProgramGone, Condition::Ended, Condition::PerhapsEnded};
+
+bool is_end(Condition condition)
+{
+    return std::find(std::begin(ENDS), std::end(ENDS), condition) != std::end(ENDS);
+}
 
 constexpr bool rows_in_order()
 {
@@ -87,6 +117,13 @@ const Telling& telling_of(Condition condition)
     return TELLINGS[int(condition)];
 }
 
+const Telling& telling_of(const Situation& situation)
+{
+    const bool was_done = phase_of(situation.facts.phase) == TestPhase::Done;
+    return situation.condition == Condition::Ended && was_done ? PUT_AWAY
+                                                               : telling_of(situation.condition);
+}
+
 bool has(Condition condition, TellingFlag flag)
 {
     return (telling_of(condition).flags & flag) != 0;
@@ -95,4 +132,13 @@ bool has(Condition condition, TellingFlag flag)
 bool lasts(Condition condition)
 {
     return !traits_of(condition).moment;
+}
+
+bool speaks_for(Condition holding, Condition over)
+{
+    if (is_end(holding))
+        return !is_end(over) && !has(over, MACHINE);
+    return std::any_of(std::begin(SPOKESMEN), std::end(SPOKESMEN), [=](const Spokesman& row) {
+        return row.holding == holding && row.over == over;
+    });
 }

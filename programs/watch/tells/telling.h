@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/condition.h"
+#include "watch/situation.h"
 
 /** What people are told of a condition, and when. */
 struct Telling
@@ -22,6 +22,13 @@ enum TellingFlag : unsigned
 };
 
 const Telling& telling_of(Condition condition);
+/** What the test was at counts, too: a test that was done is put away, another one ended early. */
+const Telling& telling_of(const Situation& situation);
 bool has(Condition condition, TellingFlag flag);
 /** Whether it is told again while it holds, and when it is over. */
 bool lasts(Condition condition);
+/**
+ * Whether what is told of one condition leaves nothing to be said of another one of the same place that
+ * is over: of a program that is gone nobody wants to hear that its instrument is no longer silent.
+ */
+bool speaks_for(Condition holding, Condition over);
