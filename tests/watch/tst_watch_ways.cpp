@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -37,6 +38,7 @@ private slots:
     void a_server_may_say_anything_data();
     void a_server_may_say_anything();
     void a_post_follows_redirections_with_its_message();
+    void a_certificate_that_nobody_vouches_for_is_told();
     void nobody_listens();
 };
 
@@ -89,6 +91,52 @@ public:
 private:
     QTemporaryDir folder;
     QByteArray old_path = qgetenv("PATH");
+};
+
+/** A web server with a certificate that it has made itself. */
+class SecureHook
+{
+public:
+    SecureHook()
+    {
+        server.setWorkingDirectory(folder.path());
+        server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        server.start("/usr/bin/python3", {"-c", PROGRAM});
+        while (!server.canReadLine())
+            if (!server.waitForReadyRead(PATIENCE_MS))
+                return;
+        url = "https://127.0.0.1:" + QString::fromLatin1(server.readLine().trimmed()) + "/bench";
+    }
+    ~SecureHook()
+    {
+        server.kill();
+        server.waitForFinished(PATIENCE_MS);
+    }
+
+    QTemporaryDir folder;
+    QString url;  ///< empty if it does not come up
+
+private:
+    static constexpr const char* PROGRAM = R"(
+import http.server, ssl, subprocess
+subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2",
+                "-keyout", "key", "-out", "certificate", "-subj", "/CN=127.0.0.1",
+                "-addext", "subjectAltName=IP:127.0.0.1"], check=True, stderr=subprocess.DEVNULL)
+class Hook(http.server.BaseHTTPRequestHandler):
+    def do_POST(self):
+        open("got", "w").close()
+        self.send_response(200)
+        self.end_headers()
+server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Hook)
+server.handle_error = lambda request, address: None
+context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+context.load_cert_chain("certificate", "key")
+server.socket = context.wrap_socket(server.socket, server_side=True)
+print(server.server_port, flush=True)
+server.serve_forever()
+)";
+
+    QProcess server;
 };
 
 /** Whether a process is no more; what nobody has looked after yet counts as gone, too. */
@@ -216,6 +264,9 @@ void WatchWaysTest::a_mail_may_come_later_data()
     QTest::addColumn<QString>("answer");
     add_row("not now", QByteArray("75"), "later: sendmail ended with status 75");
     add_row("never", QByteArray("67"), "refused: sendmail ended with status 67");
+    add_row("it hangs", QByteArray("$(sleep 1000)"),
+            "later: sendmail had not ended after 1 seconds");
+    add_row("it dies", QByteArray("$(kill -KILL $$)"), "later: sendmail was ended by signal 9");
 }
 
 void WatchWaysTest::a_mail_may_come_later()
@@ -223,8 +274,10 @@ void WatchWaysTest::a_mail_may_come_later()
     QFETCH(QByteArray, status);
     const FakeSendmail sendmail(status);
     QObject owner;
-    QTEST(sent(mail_way("anna@example.org", &owner), event_of_condition(Condition::Done)),
-          "answer");
+    const int patience_s = status.contains("sleep") ? 1 : 60;
+    QTEST(
+        sent(mail_way("anna@example.org", &owner, patience_s), event_of_condition(Condition::Done)),
+        "answer");
 }
 
 void WatchWaysTest::a_post_is_the_event()
@@ -301,6 +354,19 @@ void WatchWaysTest::a_post_follows_redirections_with_its_message()
     }
     QCOMPARE(asked, QStringList({"POST /bench HTTP/1.1", "POST /one HTTP/1.1", "POST /two HTTP/1.1",
                                  "POST /three HTTP/1.1", "POST /there HTTP/1.1"}));
+}
+
+void WatchWaysTest::a_certificate_that_nobody_vouches_for_is_told()
+{
+    const SecureHook hook;
+    QVERIFY(!hook.url.isEmpty());
+    QObject owner;
+    const QString answer = sent(post_way(hook.url, &owner), event_of_condition(Condition::Done));
+    QCOMPARE(answer, QString("later: the certificate of the server is not trusted (The certificate "
+                             "is self-signed, and untrusted). Its authority has to be among those "
+                             "of this computer"));
+    // And so nothing was said to it.
+    QVERIFY(!QFile::exists(hook.folder.filePath("got")));
 }
 
 void WatchWaysTest::nobody_listens()

@@ -9,7 +9,6 @@
 namespace
 {
 constexpr int MOST_MESSAGES = 500;
-constexpr int MAIL_SECONDS = 60;
 constexpr int TRY_LATER = 75;  // what a mail program says if it could not do it now
 
 QString sendmail()
@@ -31,7 +30,7 @@ void answer_for_mail(const ChildEnd& end, const Answer& answer)
 {
     if (end.started && end.in_time && end.status == 0)
         answer(Arrival::Arrived, {});
-    else if (!end.started || !end.in_time || end.status == TRY_LATER)
+    else if (!end.started || !end.in_time || end.status < 0 || end.status == TRY_LATER)
         answer(Arrival::Later, "sendmail " + end.sentence);
     else
         answer(Arrival::Refused, "sendmail " + end.sentence);
@@ -53,7 +52,7 @@ Way command_way(const QString& command, int seconds, QObject* owner)
     return {"command " + command, MOST_MESSAGES, send};
 }
 
-Way mail_way(const QString& address, QObject* owner)
+Way mail_way(const QString& address, QObject* owner, int seconds)
 {
     const auto send = [=](const Event& event, const Answer& answer) {
         ChildOrder order;
@@ -65,7 +64,7 @@ Way mail_way(const QString& address, QObject* owner)
         // -i: a line with a single dot does not end a mail.
         order.arguments = QStringList{"-i", "--", address};
         order.input = mail_of(event, address);
-        order.seconds = MAIL_SECONDS;
+        order.seconds = seconds;
         run_child(order, owner, [answer](const ChildEnd& end) { answer_for_mail(end, answer); });
     };
     return {"mail " + address, MOST_MESSAGES, send};

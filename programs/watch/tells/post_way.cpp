@@ -3,6 +3,7 @@
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
+#include <QSslError>
 #include <QTimer>
 
 namespace
@@ -32,6 +33,7 @@ private:
     Target target;
     QByteArray body;
     Answer answer;
+    QString mistrust;  ///< of the server's certificate; empty if there is none
     int redirects = 0;
 };
 
@@ -58,6 +60,12 @@ void Post::send(const QUrl& url)
     // A server that says something for ever, and one that says nothing, get the same time.
     connect(reply, &QNetworkReply::readyRead, reply, [reply] { reply->readAll(); });
     QTimer::singleShot(target.patience_ms, reply, &QNetworkReply::abort);
+    connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
+        mistrust =
+            QString("the certificate of the server is not trusted (%1). Its authority has to "
+                    "be among those of this computer")
+                .arg(errors.first().errorString());
+    });
     connect(reply, &QNetworkReply::finished, this, [this, reply] { take(reply); });
 }
 
@@ -76,7 +84,7 @@ void Post::take(QNetworkReply* reply)
     if ((status >= 200 && status < 300) || status == 303)
         settle(Arrival::Arrived, {});
     else if (status == 0)
-        settle(Arrival::Later, reply->errorString());
+        settle(Arrival::Later, mistrust.isEmpty() ? reply->errorString() : mistrust);
     else if (further.isValid())
         follow(reply->url(), reply->url().resolved(further));
     else if (is_passing(status))
