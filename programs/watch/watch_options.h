@@ -24,6 +24,9 @@ struct WatchOptions
     QString error;   ///< a sentence about wrong arguments
 };
 
+/** What a settings file says. Empty, or what is wrong, "line 2: ..."; what stood before is taken. */
+QString take_settings(const QByteArray& content, WatchOptions& options);
+
 /**
  * Settings of the file come first: where one thing is given twice, the command line's counts. Commands,
  * addresses and URLs add up; folders of the command line replace those of the file.
