@@ -48,7 +48,8 @@ void TestStory::take_change(const EventLine& line, qint64 arrival_ms, const QDat
     // A botched test tells of its result in the same way, with a negative figure.
     if (line.reason.startsWith(COMPLETED) && !line.reason.startsWith(COMPLETED + '-'))
         botched_tests = 0;
-    if (last_stood)
+    // Whoever looked meanwhile was told that it counts, whatever the clock of the log says.
+    if (last_stood || arrival_ms - last.arrival_ms >= STANDS_MS)
         settled = last;
     last = {phase, line.phase, line.reason, line.time, arrival_ms, since};
     if (empty)

@@ -12,6 +12,7 @@ private slots:
     void a_phase_counts_after_three_seconds_data();
     void a_phase_counts_after_three_seconds();
     void a_log_of_earlier_tells_by_its_own_times_what_has_stood();
+    void what_has_counted_does_not_give_way_to_what_was_before();
     void botched_tests_count_in_a_row_data();
     void botched_tests_count_in_a_row();
     void resets_count_while_nothing_shows_life();
@@ -83,6 +84,18 @@ void WatchStoryTest::a_log_of_earlier_tells_by_its_own_times_what_has_stood()
     story.change(-3600, "Done", "x", now);
     QCOMPARE(story.story.phase(now).text, QString("Discharging"));
     QCOMPARE(story.story.phase(now + 3000).text, QString("Done"));
+}
+
+void WatchStoryTest::what_has_counted_does_not_give_way_to_what_was_before()
+{
+    Story story;
+    story.change(0, "Ready for 1st Discharge", "x", 10000);
+    story.change(10, "Discharging", "x", 20000);
+    QCOMPARE(story.story.phase(23000).text, QString("Discharging"));
+    // Two seconds by the log, whose clock was set, and more for whoever looks.
+    story.change(12, "Done", "x", 23500);
+    QCOMPARE(story.story.phase(23500).text, QString("Discharging"));
+    QCOMPARE(story.story.phase(26500).text, QString("Done"));
 }
 
 void WatchStoryTest::botched_tests_count_in_a_row_data()
