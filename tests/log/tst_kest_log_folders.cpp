@@ -35,7 +35,7 @@ QString checked(const Place& place, const QStringList& words)
 {
     QStringList names;
     const QJsonObject document = place.run(QStringList{"check", "--json"} + words).json();
-    for (const QJsonValue& file : document["files"].toArray())
+    for (const QJsonValue file : document["files"].toArray())
         names << file.toObject()["file"].toString();
     return names.join(' ');
 }

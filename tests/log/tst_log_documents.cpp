@@ -55,7 +55,7 @@ QStringList keys_of(const QJsonValue& value)
 {
     QStringList keys;
     if (value.isArray())
-        for (const QJsonValue& item : value.toArray())
+        for (const QJsonValue item : value.toArray())
             keys << keys_of(item);
     const QJsonObject object = value.toObject();
     for (auto entry = object.begin(); entry != object.end(); ++entry)
