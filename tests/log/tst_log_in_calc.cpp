@@ -22,7 +22,7 @@ private slots:
 private:
     Run calc(const QString& filter, const QStringList& files) const;
 
-    const Place place;
+    const Place place{};
 };
 
 /** Into the folder "out", with settings of its own. */

@@ -36,9 +36,12 @@ namespace
 bool signal_behind_each_rename = false;
 }
 
-/** In place of the C library's: for a signal just behind the first of two. */
-extern "C" int renameat2(int from_folder, const char* from, int to_folder, const char* to,
-                         unsigned int flags) noexcept
+/** In place of the C library's `renameat2`: for a signal just behind the first of two. */
+extern "C" int rename_as_told(int from_folder, const char* from, int to_folder, const char* to,
+                              unsigned int flags) __asm__("renameat2");
+
+int rename_as_told(int from_folder, const char* from, int to_folder, const char* to,
+                   unsigned int flags)
 {
     const long result = ::syscall(SYS_renameat2, from_folder, from, to_folder, to, flags);
     if (signal_behind_each_rename)

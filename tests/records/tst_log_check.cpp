@@ -22,6 +22,8 @@ class LogCheckTest : public QObject
 private slots:
     void warnings_refuse_nothing_data();
     void warnings_refuse_nothing();
+    void what_the_event_log_tells_refuses_nothing_data();
+    void what_the_event_log_tells_refuses_nothing();
     void only_the_first_odd_rows_are_listed();
     void what_is_no_file_is_told_data();
     void what_is_no_file_is_told();
@@ -35,8 +37,10 @@ namespace
 qint64 bytes_before_failure = -1;  ///< below 0 for a good disk
 }
 
-/** In place of the C library's: for a disk that fails. */
-extern "C" ssize_t read(int handle, void* bytes, size_t size)
+/** In place of the C library's `read`: for a disk that fails. */
+extern "C" ssize_t read_as_told(int handle, void* bytes, size_t size) __asm__("read");
+
+ssize_t read_as_told(int handle, void* bytes, size_t size)
 {
     if (bytes_before_failure == 0) {
         errno = EIO;
@@ -105,6 +109,35 @@ void LogCheckTest::warnings_refuse_nothing_data()
         << CHARGE + "Max Charge Time (h):         0\n0.9,41.52\n"
         << EVENTS
         << "4: a maximum charge time of 0: taken up again, the test would end each charge at once";
+    QTest::newRow("line ends of another system")
+        << DISCHARGE + "1.0,0.003,40.00,10.00\r\n"
+        << EVENTS << "0: carriage returns, as Windows puts at the ends of lines";
+    QTest::newRow("a byte order mark")
+        << "\xef\xbb\xbf" + DISCHARGE + row << EVENTS
+        << "0: a byte order mark at its beginning, as another program has saved it";
+    QTest::newRow("two bytes a character")
+        << QTextCodec::codecForName("UTF-16LE")->fromUnicode(CHARGE) << EVENTS
+        << "0: in UTF-16 or UTF-32, as another program has saved it";
+    QTest::newRow("an odd line in a charge")
+        << CHARGE + "a,b\n"
+        << EVENTS << "5: 'a,b' loads, but is not in the application's own form";
+}
+
+void LogCheckTest::warnings_refuse_nothing()
+{
+    QFETCH(QByteArray, log);
+    QFETCH(QByteArray, events);
+    const LogFile file = check_of(log, events);
+    QVERIFY(file.accepted);
+    QTEST(warnings_of(file), "warnings");
+}
+
+void LogCheckTest::what_the_event_log_tells_refuses_nothing_data()
+{
+    QTest::addColumn<QByteArray>("log");
+    QTest::addColumn<QByteArray>("events");
+    QTest::addColumn<QString>("warnings");
+    const QByteArray row = "1.0,0.003,40.00,10.00\n";
     const QByteArray over = " Switching to phase Discharging because max charge time reached, "
                             "prompt_to_discharge = false\n";
     const char* const longer =
@@ -151,27 +184,11 @@ void LogCheckTest::warnings_refuse_nothing_data()
         << QByteArray(older).replace("2020-04-03 09", "2020-04-02 09") << EVENTS << earlier;
     QTest::newRow("a section half an hour earlier, of which nothing tells")
         << older << EVENTS << "";
-    QTest::newRow("line ends of another system")
-        << DISCHARGE + "1.0,0.003,40.00,10.00\r\n"
-        << EVENTS << "0: carriage returns, as Windows puts at the ends of lines";
-    QTest::newRow("a byte order mark")
-        << "\xef\xbb\xbf" + DISCHARGE + row << EVENTS
-        << "0: a byte order mark at its beginning, as another program has saved it";
-    QTest::newRow("two bytes a character")
-        << QTextCodec::codecForName("UTF-16LE")->fromUnicode(CHARGE) << EVENTS
-        << "0: in UTF-16 or UTF-32, as another program has saved it";
-    QTest::newRow("an odd line in a charge")
-        << CHARGE + "a,b\n"
-        << EVENTS << "5: 'a,b' loads, but is not in the application's own form";
 }
 
-void LogCheckTest::warnings_refuse_nothing()
+void LogCheckTest::what_the_event_log_tells_refuses_nothing()
 {
-    QFETCH(QByteArray, log);
-    QFETCH(QByteArray, events);
-    const LogFile file = check_of(log, events);
-    QVERIFY(file.accepted);
-    QTEST(warnings_of(file), "warnings");
+    warnings_refuse_nothing();
 }
 
 void LogCheckTest::only_the_first_odd_rows_are_listed()
