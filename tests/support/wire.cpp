@@ -11,7 +11,8 @@
 
 namespace
 {
-constexpr int TIMEOUT_MS = 60000;  // a busy machine is no mistake
+constexpr int TIMEOUT_MS = 60000;    // a busy machine is no mistake
+constexpr int MOST_AT_ONCE = 65536;  // bytes; more than a line takes
 
 const QByteArray MARKER = "\xFF<end>\xFF";
 
@@ -78,7 +79,7 @@ bool Wire::send_bytes(const QByteArray& bytes, Kestrometer& instrument)
     qint64 sent = 0;
     while (sent < bytes.size()) {
         // The line takes a few kilobytes at a time.
-        const qint64 step = terminal.write(bytes.mid(int(sent)));
+        const qint64 step = terminal.write(bytes.mid(int(sent), MOST_AT_ONCE));
         sent += step;
         if (step == 0 || !spin_until([&] { return watcher.taken >= sent; }))
             return false;

@@ -55,6 +55,7 @@ struct FaultState
 
     // ---- instrument ----
     int ignored_commands = 0;
+    bool bootloader_noise = false;  ///< the bootloader sends bytes
     LineSpan deaf;
     int command_delay = 0;  ///< lines until a command is obeyed
     LineSpan stuck_letter;

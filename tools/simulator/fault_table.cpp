@@ -171,6 +171,12 @@ const QVector<FaultRow> ROWS = {
      set_line_fault,
      {LineFaults::stray_bytes, 0, QByteArray(1, '\0')}},
     {FaultGroup::Text,
+     "nul-line-end",
+     "[lines=1]",
+     "A NUL byte before the line end.",
+     set_line_fault,
+     {LineFaults::line_end, 0, QByteArray("\0\r\n", 3)}},
+    {FaultGroup::Text,
      "invalid-utf8",
      "[lines=1]",
      "The bytes C3 28 FF, which are no UTF-8, at the end of the first field.",
@@ -246,6 +252,12 @@ const QVector<FaultRow> ROWS = {
     {FaultGroup::Instrument, "bootloader", "",
      "Goes off and is silent until the reset sequence restarts it.",
      [](Instrument& i, const Arguments&, const FaultRow&) {
+         i.enter_bootloader();
+     }},
+    {FaultGroup::Instrument, "bootloader-noise", "",
+     "As bootloader, but with noise without line ends instead of silence.",
+     [](Instrument& i, const Arguments&, const FaultRow&) {
+         i.faults.bootloader_noise = true;
          i.enter_bootloader();
      }},
     {FaultGroup::Instrument, "no-load", "", "The load is missing: a discharge draws no current.",

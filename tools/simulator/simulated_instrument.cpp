@@ -6,6 +6,8 @@ namespace
 {
 const QByteArray RESET_SEQUENCE = QByteArray::fromHex("55555555555500000004");
 constexpr char BOOTLOADER_COMMAND = 'U';
+// No line end in it: what a bootloader says at another speed is no line.
+const QByteArray BOOTLOADER_NOISE = QByteArray::fromHex("FC7F001555C3AA00FE");
 
 // Durations are sums of line times: what is left of ten tenths of a second is not quite nothing.
 constexpr double NO_TIME = 1e-6;
@@ -132,6 +134,8 @@ QByteArray SimulatedInstrument::next_line(double seconds)
     obey_late_commands();
     PackReading reading = pack.advance(seconds, state);
     const bool restarting = take_time(restart_left, seconds);
+    if (in_bootloader && faults.bootloader_noise)
+        return BOOTLOADER_NOISE;
     if (restarting || in_bootloader || ++slow_steps < faults.slow)
         return {};
     slow_steps = 0;
