@@ -1,7 +1,8 @@
+#include "disk_checks.h"
+#include "disk_reports.h"
 #include "support/profile_bench.h"
 #include "support/test_files.h"
 #include "support/whole_test.h"
-#include "write_faults.h"
 
 #include "config/battery_profiles.h"
 #include "config/settings.h"
@@ -24,14 +25,7 @@
 namespace
 {
 constexpr int SECONDS = 260;
-constexpr int FOREVER = 1000000;
-
-struct Way
-{
-    const char* name;
-    int error;
-    bool half;
-};
+constexpr int KEPT = 20;  // failed writes after which nothing is missing
 
 constexpr Way WAYS[] = {
     {"short write, then full", ENOSPC, true},
@@ -41,20 +35,15 @@ constexpr Way WAYS[] = {
     {"EDQUOT", EDQUOT, false},
 };
 
+/** Where a file cannot even be opened. */
+constexpr Way NO_OPENING[] = {
+    {"EROFS at open", EROFS, false},
+    {"ENOSPC at open", ENOSPC, false},
+    {"EACCES at open", EACCES, false},
+};
+
 /** How long the disk is bad: less than what is kept for it, more than that, or to the end. */
 constexpr int LENGTHS[] = {1, 20, 200, FOREVER};
-
-int failures = 0;
-int tried = 0;
-
-void check(bool good, const char* file, const Way& way, int first, int count, const char* what)
-{
-    if (good)
-        return;
-    ++failures;
-    if (failures <= 20)
-        std::printf("%s, %s at write %d, %d of them: %s\n", file, way.name, first, count, what);
-}
 
 struct Logs
 {
@@ -62,8 +51,23 @@ struct Logs
     QByteArray txt;
 };
 
+/** Until the disk has refused something, and for so long after that; the seconds that went by. */
+int run_on_full_disk(WholeTest& test, int seconds)
+{
+    if (seconds == 0)
+        return 0;
+    const Filler filler;
+    int room = 0;  // in the last blocks of the logs
+    for (; !filler.has_bitten() && room < SECONDS / 2; ++room)
+        test.run(1);
+    if (!filler.has_bitten())
+        qFatal("The disk was never full.");
+    test.run(seconds);
+    return room + seconds;
+}
+
 /** A test of several cycles by the clock of the bench: two runs write the same. */
-Logs run_test(const std::function<void(WholeTest&)>& at_start)
+Logs run_test(const std::function<void(WholeTest&)>& at_start, int full_seconds = 0)
 {
     WholeTest test;
     Settings::set_log_all_telemetry(true);
@@ -72,7 +76,8 @@ Logs run_test(const std::function<void(WholeTest&)>& at_start)
     at_start(test);
     test.start();
     test.station.max_charge_time = 20;
-    test.run(SECONDS);
+    test.run(SECONDS / 4);
+    test.run(SECONDS * 3 / 4 - run_on_full_disk(test, full_seconds));
     WriteFaults::clear();
     // Whatever was kept back goes out with the next records.
     test.run(5);
@@ -96,7 +101,7 @@ bool is_kept_line_by_line(const QByteArray& got, const QByteArray& whole)
 void check_log(const QByteArray& got, const QByteArray& whole, const char* file, const Way& way,
                int first, int count)
 {
-    if (count <= 20)
+    if (count <= KEPT)
         check(got == whole, file, way, first, count, "records are missing although there is room");
     else if (count < FOREVER)
         check(is_kept_line_by_line(got, whole) && got.right(8) == whole.right(8), file, way, first,
@@ -110,7 +115,7 @@ void fail_log(const char* suffix, const Logs& whole, const Way& way, int first, 
     const Logs got = run_test([&](WholeTest&) {
         WriteFaults::set({suffix, "", first, count, way.error, way.half});
     });
-    ++tried;
+    ++tally.tried;
     check_log(got.csv, whole.csv, suffix, way, first, suffix == QByteArray(".csv") ? count : 1);
     check_log(got.txt, whole.txt, suffix, way, first, suffix == QByteArray(".txt") ? count : 1);
 }
@@ -123,7 +128,7 @@ void take_the_folder_away()
     test.run(5);
     QDir(test.bench.folder.path()).removeRecursively();
     test.run(20);
-    ++tried;
+    ++tally.tried;
     check(test.station.phase == PHASE_CHARGING, "log", WAYS[0], 0, 0, "the test stopped");
 }
 
@@ -143,42 +148,79 @@ void fail_save(const char* suffix, const std::function<void()>& save, const Way&
               "a save is more than one write");
         WriteFaults::clear();
         save();
-        ++tried;
+        ++tally.tried;
         check(file() == whole, suffix, way, first, 1, "the next save does not restore the file");
     }
 }
 
-/** The page and the copies of the logs: whole, or told; and whole the next time. */
-void fail_report(const char* part, const char* not_part, const Way& way, int first)
+/** Neither log can be opened: told, nothing is begun, and the next Start begins. */
+void refuse_logs(const char* suffix, const Way& way)
 {
     WholeTest test;
-    Settings::set_log_all_telemetry(true);
-    test.start();
-    test.run(500);  // the event log then takes more than one write to copy
-    const QString folder = test.bench.path("pdfs");
-    QDir().mkpath(folder);
-    Settings::set_pdf_dir(folder);
-    Settings::set_copy_logs(true);
-    const QByteArray csv = test.bench.csv();
-    const QByteArray txt = test.bench.txt();
-    const size_t boxes = test.bench.answers.seen.size();
-    const auto copies_are_whole = [&] {
-        return content_of(folder + "/Pack A_1042.csv") == csv &&
-               content_of(folder + "/Pack A_1042.txt") == txt;
-    };
-    WriteFaults::set({part, not_part, first, FOREVER, way.error, way.half});
-    test.bench.press("pbGeneratePDF");
-    const bool failed = WriteFaults::writes() >= first;
+    WriteFaults::set({suffix, "", 1, FOREVER, way.error, false, true});
+    test.start("Pack A", "1");
+    const bool opened = WriteFaults::writes() > 0;
     WriteFaults::clear();
-    ++tried;
-    check(copies_are_whole() || (failed && test.bench.answers.seen.size() > boxes), part, way,
-          first, FOREVER, "a copy is cut short and nobody is told");
-    check(test.bench.csv() == csv && test.bench.txt() == txt, part, way, first, FOREVER,
-          "a log has changed");
-    test.bench.press("pbGeneratePDF");
-    check(copies_are_whole(), part, way, first, FOREVER, "the next copy is not whole");
-    check(content_of(folder + "/Pack A_1042.pdf").trimmed().endsWith("%%EOF"), part, way, first,
-          FOREVER, "the next page is not whole");
+    ++tally.tried;
+    const QStringList told = {"Error: Could not open log file with write permission.",
+                              "Error: Unable to create log file."};
+    check(opened && test.bench.boxes() == told, suffix, way, 1, FOREVER,
+          "the operator is not told");
+    check(test.station.phase == PHASE_IDLE && test.station.data_log == nullptr, suffix, way, 1,
+          FOREVER, "a test began without its logs");
+    test.start("Pack A", "2");
+    test.run(5);
+    check(test.station.phase == PHASE_CHARGING && test.bench.csv().count('\n') > 14, suffix, way, 1,
+          FOREVER, "the next Start does not begin a test");
+}
+
+/** A file that cannot be opened stays as it was, and the next save writes it. */
+void refuse_save(const char* suffix, const std::function<void()>& save, const Way& way)
+{
+    const StationBench bench(THREE_PROFILES);
+    save();
+    const QString path = QDir(Settings::get_settings_dir()).filePath(suffix);
+    const QByteArray whole = content_of(path);
+    WriteFaults::set({suffix, "", 1, FOREVER, way.error, false, true});
+    save();
+    ++tally.tried;
+    check(WriteFaults::writes() > 0 && content_of(path) == whole, suffix, way, 1, FOREVER,
+          "a file that cannot be opened has changed");
+    WriteFaults::clear();
+    QFile::remove(path);
+    save();
+    check(content_of(path) == whole, suffix, way, 1, FOREVER, "the next save does not write");
+}
+
+/** In a folder that is a small disk of its own: full for a while, and freed. */
+void fill_the_disk(const Logs& whole)
+{
+    constexpr Way FULL = {"a full disk", ENOSPC, false};
+    for (const int seconds : {5, 60}) {
+        const Logs got = run_test([](WholeTest&) {}, seconds);
+        ++tally.tried;
+        const int failures_at_most = seconds == 5 ? KEPT : 200;
+        check_log(got.csv, whole.csv, ".csv", FULL, 1, failures_at_most);
+        check_log(got.txt, whole.txt, ".txt", FULL, 1, failures_at_most);
+    }
+}
+
+/** Written over and over while the disk fills: whole after the next save with room. */
+void fail_full_save(const char* suffix, const std::function<void()>& save, const Way& way)
+{
+    const StationBench bench(THREE_PROFILES);
+    save();
+    const QString path = QDir(Settings::get_settings_dir()).filePath(suffix);
+    const QByteArray whole = content_of(path);
+    {
+        const Filler filler;
+        save();
+        QFile::remove(path);
+        save();
+    }
+    ++tally.tried;
+    save();
+    check(content_of(path) == whole, suffix, way, 1, 1, "the next save does not restore the file");
 }
 
 void save_settings()
@@ -204,11 +246,33 @@ void try_all(int writes)
         fail_save("kestrometer.cfg", save_settings, way);
         fail_save("battery_profiles.txt", save_profiles, way);
         for (int n = 1; n <= std::min(writes, 3); ++n) {
-            fail_report("/pdfs/", ".pdf", way, n);
-            fail_report(".pdf", "", way, n);
+            DiskReports::fail("copy", way, {"/pdfs/", ".pdf", n, FOREVER, way.error, way.half});
+            DiskReports::fail("page", way, {".pdf", "", n, FOREVER, way.error, way.half});
         }
     }
     take_the_folder_away();
+}
+
+void refuse_all()
+{
+    for (const Way& way : NO_OPENING) {
+        refuse_logs("_1.csv", way);
+        refuse_logs("_1.txt", way);
+        refuse_save("kestrometer.cfg", save_settings, way);
+        refuse_save("battery_profiles.txt", save_profiles, way);
+        for (const char* part : {".pdf", "/pdfs/Pack A_1042.csv", "/pdfs/Pack A_1042.txt"})
+            DiskReports::fail(part, way, {part, "", 1, FOREVER, way.error, false, true});
+    }
+}
+
+/** In a temporary folder that is a small disk of its own: full for a while, and freed. */
+void try_full_disk()
+{
+    constexpr Way FULL = {"a full disk", ENOSPC, false};
+    fill_the_disk(run_test([](WholeTest&) {}));
+    DiskReports::fail_on_full_disk(FULL);
+    fail_full_save("kestrometer.cfg", save_settings, FULL);
+    fail_full_save("battery_profiles.txt", save_profiles, FULL);
 }
 
 /** What a program that loses a row, or damages one, would leave: each must be noticed. */
@@ -223,7 +287,7 @@ int prove()
     check_log(cut, whole.csv, "cut", WAYS[0], 1, FOREVER);
     check_log(whole.csv.left(whole.csv.lastIndexOf('\n', -2) + 1), whole.csv, "lost", WAYS[0], 1,
               1);
-    return failures == 3 ? 1 : 0;
+    return tally.failures == 3 ? 1 : 0;
 }
 }  // namespace
 
@@ -235,7 +299,12 @@ int main(int argc, char** argv)
     QDesktopServices::setUrlHandler("file", &nobody, "none");
     if (!qEnvironmentVariableIsEmpty("KEST_ENDURANCE_BROKEN"))
         return prove();
-    try_all(QByteArray(argc > 1 ? argv[1] : "200").toInt());
-    std::printf("%d %d\n", tried, failures);
-    return failures == 0 ? 0 : 1;
+    if (argc > 1 && qstrcmp(argv[1], "full") == 0) {
+        try_full_disk();
+    } else {
+        try_all(QByteArray(argc > 1 ? argv[1] : "200").toInt());
+        refuse_all();
+    }
+    std::printf("%d %d\n", tally.tried, tally.failures);
+    return tally.failures == 0 ? 0 : 1;
 }

@@ -1,7 +1,9 @@
 #include "write_faults.h"
 
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
+#include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
 #include <unistd.h>
@@ -10,6 +12,7 @@ namespace
 {
 WriteFault present;
 int counted = 0;
+int refused_by_system = 0;
 
 QByteArray path_of(int file)
 {
@@ -20,13 +23,22 @@ QByteArray path_of(int file)
     return QByteArray(path, int(length < 0 ? 0 : length));
 }
 
-bool is_meant(int file)
+bool fits(const QByteArray& path)
 {
-    if (present.path.isEmpty() || file <= STDERR_FILENO)
-        return false;
-    const QByteArray path = path_of(file);
     return path.contains(present.path) &&
            (present.not_path.isEmpty() || !path.contains(present.not_path));
+}
+
+bool is_meant(int file)
+{
+    return !present.path.isEmpty() && !present.opening && file > STDERR_FILENO &&
+           fits(path_of(file));
+}
+
+bool is_meant_to_open(const char* path, int flags)
+{
+    return !present.path.isEmpty() && present.opening && (flags & O_ACCMODE) != O_RDONLY &&
+           fits(path);
 }
 
 bool is_due()
@@ -37,7 +49,9 @@ bool is_due()
 
 ssize_t really_write(int file, const void* bytes, size_t size)
 {
-    return ::syscall(SYS_write, file, bytes, size);
+    const ssize_t written = ::syscall(SYS_write, file, bytes, size);
+    refused_by_system += written < ssize_t(size) ? 1 : 0;
+    return written;
 }
 }  // namespace
 
@@ -57,6 +71,12 @@ int WriteFaults::writes()
     return counted;
 }
 
+int WriteFaults::refused()
+{
+    return refused_by_system;
+}
+
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the system has reserved names.
 extern "C" ssize_t write(int file, const void* bytes, size_t size)
 {
     if (!is_meant(file) || !is_due())
@@ -64,6 +84,19 @@ extern "C" ssize_t write(int file, const void* bytes, size_t size)
     if (present.half && counted == present.first && size > 1)
         return really_write(file, bytes, size / 2);
     errno = present.half ? ENOSPC : present.error;
+    return -1;
+}
+
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the system has reserved names.
+extern "C" int open64(const char* path, int flags, ...)
+{
+    va_list more;
+    va_start(more, flags);
+    const int mode = va_arg(more, int);
+    va_end(more);
+    if (!is_meant_to_open(path, flags) || !is_due())
+        return int(::syscall(SYS_openat, AT_FDCWD, path, flags | O_LARGEFILE, mode));
+    errno = present.error;
     return -1;
 }
 

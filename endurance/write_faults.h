@@ -2,7 +2,7 @@
 
 #include <QByteArray>
 
-/** What happens to a write: errno, or half of the bytes and then ENOSPC. */
+/** What happens to a write, or to the opening of a file for writing: errno, or half of the bytes and then ENOSPC. */
 struct WriteFault
 {
     QByteArray path;      ///< files whose path holds this; empty: none
@@ -10,7 +10,8 @@ struct WriteFault
     int first = 0;        ///< the first write that fails, counted from 1
     int count = 0;        ///< so many fail
     int error = 0;
-    bool half = false;  ///< the first one writes half of its bytes before the disk is full
+    bool half = false;     ///< the first one writes half of its bytes before the disk is full
+    bool opening = false;  ///< not a write fails: to open the file does
 };
 
 /**
@@ -22,6 +23,8 @@ namespace WriteFaults
 {
 void set(const WriteFault& fault);
 void clear();
-/** Writes that fitted since set(). */
+/** Writes, or openings, that fitted since set(). */
 int writes();
+/** Writes that the system itself has refused, or cut short, so far. */
+int refused();
 }  // namespace WriteFaults
