@@ -34,6 +34,8 @@ void SimulatedLink::advance(double seconds)
 
 void SimulatedLink::send(const QByteArray& bytes)
 {
+    if (on_send)
+        on_send(bytes);
     if (!wire.send_bytes(bytes, *station.kestrometer))
         qFatal("The station did not take: %s", bytes.constData());
 }

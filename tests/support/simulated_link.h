@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+#include <functional>
+
 class TestStation;
 class Wire;
 
@@ -21,6 +23,7 @@ public:
     void set_fault(const QString& words);
 
     SimulatedInstrument simulated;
+    std::function<void(const QByteArray&)> on_send;  ///< told of what the instrument sends, before
     /** A line for each command: "2020-04-03 09:15:01 line 2, phase 1 Charging: 43". */
     QByteArray commands;
     int lines = 0;  ///< line ends that the instrument has sent

@@ -23,6 +23,7 @@ PackModel WholeTest::quick_pack()
 
 void WholeTest::start(const QString& name, const QString& serial_number)
 {
+    tell("start");
     bench.start(name, serial_number);
     link.take_commands();
 }
@@ -31,10 +32,13 @@ void WholeTest::run(int seconds)
 {
     for (int i = 0; i < seconds; ++i) {
         link.take_commands();
-        bench.clock.advance_seconds(1);
-        link.advance(1);
+        for (int line = 0; line < lines_per_second; ++line) {
+            bench.clock.advance_seconds(1.0 / lines_per_second);
+            link.advance(1.0 / lines_per_second);
+        }
         blink_on = !blink_on;
         station.slot_blink(blink_on);
+        tell("tick");
         link.take_commands();
     }
 }
@@ -46,8 +50,15 @@ bool WholeTest::run_to(Phase phase, int most)
     return station.phase == phase;
 }
 
+void WholeTest::tell(const char* event) const
+{
+    if (on_event)
+        on_event(event);
+}
+
 void WholeTest::press(const char* button)
 {
+    tell(button);
     bench.press(button);
     link.take_commands();
 }

@@ -5,6 +5,8 @@
 
 #include "station/phase.h"
 
+#include <functional>
+
 /**
  * A test from end to end: a station on its cable, the simulated instrument with its pack at the
  * other end, and the clock, which every second of run() moves on.
@@ -40,10 +42,16 @@ public:
      */
     QString difference_from(const QString& name);
 
+    int lines_per_second = 1;
+    std::function<void(const char*)>
+        on_event;  ///< told of "start", "tick", and each button pressed
+
     StationBench bench;
     TestStation& station;
     SimulatedLink link;
 
 private:
+    void tell(const char* event) const;
+
     bool blink_on = false;
 };
