@@ -15,6 +15,8 @@ endforeach()
 
 # The program's own help lies beside the page.
 string(REPLACE "../resources/help.html" "help.html" text "${text}")
+# So does the table of the faults.
+string(REPLACE "href=\"faults.md\"" "href=\"faults.html\"" text "${text}")
 # So do its pictures.
 string(REPLACE "src=\"manual/" "src=\"" text "${text}")
 
