@@ -115,7 +115,7 @@ bool Watch::answers(const QByteArray& path) const
 bool Watch::may_touch(const QByteArray& path, const QStringList& mounts) const
 {
     const auto lies_in = [&path](const QByteArray& folder) {
-        return path.startsWith(folder + '/');
+        return !folder.isEmpty() && path.startsWith(folder + '/');
     };
     if (std::any_of(folders.begin(), folders.end(), [&](const auto& folder) {
             return folder->network && lies_in(folder->real_path);
