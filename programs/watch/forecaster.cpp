@@ -76,7 +76,8 @@ QJsonArray array_of(const QList<double>& shares)
 
 void take(const QJsonValue& value, QList<double>& shares)
 {
-    for (const QJsonValue& share : value.toArray())
+    const QJsonArray array = value.toArray();
+    for (const QJsonValue& share : array)
         if (share.isDouble() && shares.size() < ForecastErrors::KEPT)
             shares << share.toDouble();
 }

@@ -94,9 +94,11 @@ WatchMemory memory_in(const QByteArray& text)
     const QJsonObject document = QJsonDocument::fromJson(text).object();
     const bool same_boot = document["boot"].toString().toLatin1() == this_boot();
     WatchMemory memory;
-    for (const QJsonValue& test : document["tests"].toArray())
+    const QJsonArray tests = document["tests"].toArray();
+    for (const QJsonValue& test : tests)
         memory.tests << memory_of(test.toObject(), same_boot);
-    for (const QJsonValue& disk : document["disks"].toArray())
+    const QJsonArray disks = document["disks"].toArray();
+    for (const QJsonValue& disk : disks)
         memory.disks << disk_of(disk.toObject());
     return memory;
 }

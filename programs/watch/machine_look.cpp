@@ -12,7 +12,7 @@ constexpr qint64 LEAST_STEP_MS = 2000;  // corrections by and by stay far below
 constexpr qint64 LEAST_SLEEP_MS = 2000;
 constexpr qint64 TOLD_FOR_MS = 600000;  // what has happened is found for ten minutes
 constexpr qint64 RATE_WINDOW_MS = 60000;
-constexpr qint64 MB = 1000 * 1000;
+constexpr qint64 MB = 1000000;
 constexpr double HOUR = 3600.0;
 
 /** A state begins below one bound and ends at another one: a disk that wobbles is told of once. */

@@ -1,6 +1,8 @@
 #include "watch/tells/bus_line.h"
 
+#include <QCoreApplication>
 #include <QDBusError>
+#include <QEvent>
 #include <QThread>
 
 namespace
@@ -9,6 +11,34 @@ constexpr int PATIENCE_MS = 10000;  // for an answer
 constexpr int PARTING_MS = 1000;    // for what goes on when the line goes
 
 bool stuck = false;
+
+struct WorkEvent : QEvent
+{
+    explicit WorkEvent(std::function<void()> what) : QEvent(User), work(std::move(what))
+    {
+    }
+
+    const std::function<void()> work;
+};
+
+/** Does in its own thread what others give it. */
+class Worker : public QObject
+{
+public:
+    void give(const std::function<void()>& work)
+    {
+        QCoreApplication::postEvent(this, new WorkEvent(work));
+    }
+
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        static_cast<WorkEvent*>(event)->work();
+        return true;
+    }
+};
 
 /** Each line has a connection of its own. */
 QString next_name()
@@ -34,8 +64,8 @@ QDBusMessage answer_to(const QDBusMessage& message, QDBusConnection::BusType typ
 struct BusLine::Caller
 {
     QThread thread;
-    QObject there;          ///< lives in the thread
-    QObject here;           ///< lives where the line does
+    Worker there;           ///< lives in the thread
+    Worker here;            ///< lives where the line does
     bool forsaken = false;  ///< the line is gone; to be looked at only where it lived
     QDBusConnection::BusType type = QDBusConnection::SessionBus;
     QString name;
@@ -52,7 +82,7 @@ BusLine::BusLine(QDBusConnection::BusType bus, QObject* parent)
 
 BusLine::~BusLine()
 {
-    QMetaObject::invokeMethod(&caller->there, [caller = caller] {
+    caller->there.give([caller = caller] {
         QDBusConnection::disconnectFromBus(caller->name);
         caller->thread.quit();
     });
@@ -66,15 +96,12 @@ BusLine::~BusLine()
 
 void BusLine::call(const QDBusMessage& message, const Done& done)
 {
-    QMetaObject::invokeMethod(&caller->there, [caller = caller, message, done] {
+    caller->there.give([caller = caller, message, done] {
         const QDBusMessage answer = answer_to(message, caller->type, caller->name);
-        QMetaObject::invokeMethod(
-            &caller->here,
-            [caller, answer, done] {
-                if (!caller->forsaken)
-                    done(answer);
-            },
-            Qt::QueuedConnection);
+        caller->here.give([caller, answer, done] {
+            if (!caller->forsaken)
+                done(answer);
+        });
     });
 }
 
