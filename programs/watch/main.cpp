@@ -39,6 +39,8 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName("kest-watch");
+    // No plugins: those for networks ask the system's bus, and where it says nothing they wait for ever.
+    QCoreApplication::setLibraryPaths({});
     const WatchOptions options = read_watch_options(QCoreApplication::arguments(), conf_path());
     if (!options.error.isEmpty()) {
         tell(options.error + " See kest-watch --help.");

@@ -1,6 +1,7 @@
 #include "support/test_files.h"
 #include "support/test_program.h"
 #include "watch_process.h"
+#include "web_hook.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -22,6 +23,8 @@ private slots:
 
 namespace
 {
+constexpr int PATIENCE_MS = 120000;
+
 /** It takes every caller and says nothing. */
 class SilentBus
 {
@@ -94,9 +97,10 @@ void WatchSilentBusTest::a_bus_that_says_nothing_keeps_nobody_waiting()
     const QString time = QDateTime::currentDateTime().addSecs(-10).toString("yyyy-MM-dd hh:mm:ss ");
     const QString change = "Switching to phase Ready for 1st Discharge because x\n";
     QVERIFY(write_file(logs.filePath("pack.txt"), (time + change).toLatin1()));
-    QVERIFY(watch.start({logs.path()}));
+    WebHook hook({"200"});
+    QVERIFY(watch.start({"--post", hook.url("/bench"), logs.path()}));
     QVERIFY(watch.tells("begins waits-for-operator pack.csv"));
-    // The toolkit would give a bus up after a while; the message has not waited for that.
+    QVERIFY(QTest::qWaitFor([&] { return !hook.requests.isEmpty(); }, PATIENCE_MS));
     QVERIFY(session.keeps_somebody_waiting() || system.keeps_somebody_waiting());
     QCOMPARE(watch.end(), 0);
 }

@@ -8,8 +8,7 @@
 
 /**
  * Calls over a bus of the session or of the system, one after the other. They are made in a thread of
- * their own: where a bus says nothing the toolkit takes half a minute to find that out, and nobody else
- * is to wait for it.
+ * their own: where a bus says nothing the toolkit waits for ever, and nobody else is to wait with it.
  */
 class BusLine : public QObject
 {
