@@ -24,7 +24,7 @@ QString choose_log(const QString& directory, const QStringList& in_use)
 {
     for (;;) {
         QString filter = "CSV Files (*.csv)";
-        const QString chosen = QFileDialog::getOpenFileName(
+        QString chosen = QFileDialog::getOpenFileName(
             nullptr, "Select Log File", directory, "All Files (*.*);;CSV Files (*.csv)", &filter);
         if (!in_use.contains(chosen))
             return chosen;
