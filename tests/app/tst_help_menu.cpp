@@ -162,7 +162,7 @@ void HelpMenuTest::an_open_manual_does_not_keep_the_program_running()
     QTimer::singleShot(0, [&bench] {
         bench.window->close();
         // Where the program would go on.
-        QTimer::singleShot(0, qApp, &QApplication::quit);
+        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
     });
     QApplication::exec();
     QCOMPARE(last_closed.size(), 1);
