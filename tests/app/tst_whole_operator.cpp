@@ -81,7 +81,7 @@ void WholeOperatorTest::skips_from_every_phase_that_allows_it()
     QCOMPARE(box.caption, QString("Error"));
     QCOMPARE(box.text, QString("Please increase the number of cycles first."));
     QCOMPARE(box.icon, QMessageBox::Warning);
-    QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+    QCOMPARE(int(box.buttons), int(QMessageBox::Ok));
 }
 
 void WholeOperatorTest::start_skip_is_usable_in_some_phases_data()
@@ -150,7 +150,7 @@ void WholeOperatorTest::new_test_is_declined_and_then_confirmed()
         QCOMPARE(box.caption, QString("Are you sure?"));
         QCOMPARE(box.text, QString("This will abort the test in progress."));
         QCOMPARE(box.icon, QMessageBox::Question);
-        QCOMPARE(box.buttons, QMessageBox::Ok | QMessageBox::Cancel);
+        QCOMPARE(int(box.buttons), int(QMessageBox::Ok | QMessageBox::Cancel));
         QCOMPARE(box.default_button, QMessageBox::Cancel);
         QVERIFY(!box.has_parent);
     }

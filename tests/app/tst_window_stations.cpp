@@ -113,7 +113,7 @@ void WindowStationsTest::unset_directories_are_asked_for()
                          "The settings dialog will now be opened.")
                      .arg(which));
         QCOMPARE(box.icon, QMessageBox::Question);
-        QCOMPARE(box.buttons, QMessageBox::Ok | QMessageBox::Cancel);
+        QCOMPARE(int(box.buttons), int(QMessageBox::Ok | QMessageBox::Cancel));
         QCOMPARE(box.default_button, QMessageBox::Ok);
         QVERIFY(!box.has_parent);
     }
@@ -241,7 +241,7 @@ void WindowStationsTest::closing_a_running_station_asks()
         QCOMPARE(box.caption, QString("Are you sure?"));
         QCOMPARE(box.text, QString("This will abort the test in progress."));
         QCOMPARE(box.icon, QMessageBox::Question);
-        QCOMPARE(box.buttons, QMessageBox::Ok | QMessageBox::Cancel);
+        QCOMPARE(int(box.buttons), int(QMessageBox::Ok | QMessageBox::Cancel));
         QCOMPARE(box.default_button, QMessageBox::Cancel);
         QVERIFY(!box.has_parent);
     }

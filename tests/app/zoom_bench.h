@@ -65,7 +65,7 @@ struct ZoomBench : ChartWindow
         QCOMPARE(answers.seen[0].caption, QString("Error"));
         QCOMPARE(answers.seen[0].text, QString("Zoom limit exceeded."));
         QCOMPARE(answers.seen[0].icon, QMessageBox::Warning);
-        QCOMPARE(answers.seen[0].buttons, QMessageBox::Ok);
+        QCOMPARE(int(answers.seen[0].buttons), int(QMessageBox::Ok));
         QVERIFY(!answers.seen[0].has_parent);
         answers.seen.clear();
     }

@@ -37,7 +37,7 @@ void compare_unverified_question(const SeenBox& box)
                 "Check the 12V barrel jack and the battery discharge leads.\n\n"
                 "Use this port anyway?",
                 QMessageBox::Question);
-    QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
+    QCOMPARE(int(box.buttons), int(QMessageBox::Yes | QMessageBox::No));
     QCOMPARE(box.default_button, QMessageBox::No);
 }
 }  // namespace
@@ -145,7 +145,7 @@ void AddTestStationAnswersTest::ok_twice_while_charging_warns_twice_and_tells_on
     compare_box(answers.seen[1], "Error", NOT_YET_OFF, QMessageBox::Warning);
     compare_box(answers.seen[2], "Notice", NOW_OFF, QMessageBox::Information);
     for (const SeenBox& box : answers.seen)
-        QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+        QCOMPARE(int(box.buttons), int(QMessageBox::Ok));
     QCOMPARE(bench.dialog->result(), int(QDialog::Rejected));
     bench.press("pbOK");
     QCOMPARE(bench.dialog->result(), int(QDialog::Accepted));
