@@ -7,7 +7,7 @@
 
 namespace
 {
-constexpr qint64 HALF_AN_HOUR = 30 * 60 * 1000;
+constexpr qint64 HALF_AN_HOUR = qint64(30) * 60 * 1000;
 
 /** Puts the process into another zone, given by its rule so that no zone files are needed. */
 class Zone
@@ -67,7 +67,7 @@ void DateTimeTest::the_present_time_is_the_clock_of_the_machine()
 
 void DateTimeTest::another_clock_stands_in_until_it_is_taken_away()
 {
-    const QDateTime other(QDate(2020, 4, 3), QTime(9, 15));
+    QDateTime other(QDate(2020, 4, 3), QTime(9, 15));
     Time::set_clock([other] { return other; });
     QCOMPARE(Time::now(), other);
     Time::set_clock({});
