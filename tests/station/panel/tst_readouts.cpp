@@ -1,6 +1,9 @@
 #include "support/phase_tour.h"
 #include "support/test_program.h"
 
+#include "common/date_time.h"
+#include "common/time_span.h"
+#include "config/help_ids.h"
 #include "config/tool_tips.h"
 #include "device/kestrometer.h"
 #include "station/test_station.h"
@@ -19,6 +22,7 @@ private slots:
     void lines_show_what_a_full_refresh_would();
     void a_line_shows_whatever_has_changed_before_it_data();
     void a_line_shows_whatever_has_changed_before_it();
+    void current_and_charge_time_take_turns();
     void the_current_gets_its_help_once();
     void a_missing_help_is_told_at_every_line();
 };
@@ -129,6 +133,32 @@ void ReadoutsTest::a_line_shows_whatever_has_changed_before_it()
     QVERIFY(after != before);
     bench.station->update_ui();
     QCOMPARE(after, panel_of(bench));
+}
+
+/** One label shows both: what it showed before the other's turn does not count as shown. */
+void ReadoutsTest::current_and_charge_time_take_turns()
+{
+    StationBench bench;
+    begin_discharge(bench);
+    const auto* label = bench.widget<QLabel>("laCurrent");
+    const auto help = [](int id) {
+        QLabel other;
+        ToolTips::assign(&other, id);
+        return other.toolTip();
+    };
+    QCOMPARE(label->text(), QString("9.98 A"));
+    QCOMPARE(label->toolTip(), help(HELP_CURRENT));
+    for (int turn = 0; turn < 2; ++turn) {
+        bench.station->phase = PHASE_CHARGING;
+        bench.receive_after(0.0, "41.52", "9.98", "C");
+        QCOMPARE(label->text(),
+                 format_time_span(bench.station->leg_start_time.secsTo(Time::now())));
+        QCOMPARE(label->toolTip(), help(HELP_CHARGE_TIME));
+        bench.station->phase = PHASE_DISCHARGING;
+        bench.receive_after(0.0, "41.52", "9.98", "D");
+        QCOMPARE(label->text(), QString("9.98 A"));
+        QCOMPARE(label->toolTip(), help(HELP_CURRENT));
+    }
 }
 
 void ReadoutsTest::the_current_gets_its_help_once()
