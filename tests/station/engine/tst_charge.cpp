@@ -259,11 +259,10 @@ void ChargeTest::the_final_charge_is_checked_every_five_minutes()
                          "next_charge_test_timeout reached";
     const QString on = "Switching to phase Charging (final) because voltage (%1) < final_voltage "
                        "(37.500)";
-    QCOMPARE(
-        new_events(bench, before),
-        (QStringList{test, on.arg("30.000"), test, on.arg("35.000"), test, on.arg("37.500"), test,
-                     "Switching to phase Done because voltage (38.000) >= final_voltage "
-                     "(37.500)"}));
+    const QString done = "Switching to phase Done because voltage (38.000) >= final_voltage "
+                         "(37.500)";
+    QCOMPARE(new_events(bench, before), (QStringList{test, on.arg("30.000"), test, on.arg("35.000"),
+                                                     test, on.arg("37.500"), test, done}));
     // The charger stays on through the tests.
     QCOMPARE(bench.wire.commands(), QByteArray("O"));
     QCOMPARE(last_rows(bench).size(), 13);
