@@ -171,7 +171,7 @@ const QString RECOVERED = "Finished recovering from IR test";
 // after the line before comes this line; it leads to this phase, by so many new cycles and these
 // events.
 // clang-format off
-const QList<Row>& rows()
+const QList<Row>& rows_before_the_discharge()
 {
     static const QList<Row> table = {
         {"idle stays", PHASE_IDLE, 0, nothing, {1, "41.50", "10.0", "D"}, PHASE_IDLE, 0, {}},
@@ -214,7 +214,13 @@ const QList<Row>& rows()
         {"third charge full, prompt", PHASE_FULL_CHARGE_TEST, 2, prompt, {1, "41.00", "0.0", "O"}, PHASE_READY_FOR_DISCHARGE, 0, {TO_THIRD_READY + FULL_PROMPT}},
 
         {"only the operator leaves ready", PHASE_READY_FOR_DISCHARGE, 0, nothing, {90000, "1.00", "0.0", "O"}, PHASE_READY_FOR_DISCHARGE, 0, {}},
+    };
+    return table;
+}
 
+const QList<Row>& rows_from_the_discharge_on()
+{
+    static const QList<Row> table = {
         {"discharge goes on", PHASE_DISCHARGING, 0, nothing_delivered, {179, "40.00", "10.0", "D"}, PHASE_DISCHARGING, 0, {}},
         {"amp-hours at exactly the next check", PHASE_DISCHARGING, 0, nothing_delivered, {180, "40.00", "10.0", "D"}, PHASE_IR_TEST, 0, {TO_IR_TEST + "amp_hours (0.500) >= next_ir_check_ah (0.5)"}},
         {"resistance is not wanted", PHASE_DISCHARGING, 0, nothing_delivered_nor_measured, {3600, "40.00", "10.0", "D"}, PHASE_DISCHARGING, 0, {}},
@@ -260,6 +266,12 @@ const QList<Row>& rows()
 
         {"done stays", PHASE_DONE, 0, out_of_time, {90000, "1.00", "0.0", "O"}, PHASE_DONE, 0, {}},
     };
+    return table;
+}
+
+const QList<Row>& rows()
+{
+    static const QList<Row> table = rows_before_the_discharge() + rows_from_the_discharge_on();
     return table;
 }
 // clang-format on
