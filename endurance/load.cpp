@@ -55,7 +55,9 @@ constexpr long BILLION = 1000000000;
 
 void run_for(int milliseconds)
 {
-    QTimer::singleShot(milliseconds, qApp, &QCoreApplication::quit);
+    QTimer end;
+    QObject::connect(&end, &QTimer::timeout, qApp, &QCoreApplication::quit);
+    end.start(milliseconds);
     QCoreApplication::exec();
 }
 

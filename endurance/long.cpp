@@ -1,4 +1,5 @@
 #include "support/modal_answer.h"
+#include "support/no_viewer.h"
 
 #include "app/main_window.h"
 #include "config/settings.h"
@@ -8,13 +9,11 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QDesktopServices>
 #include <QFile>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>
-#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -28,17 +27,6 @@ namespace
 {
 constexpr int REPEATS = 5;
 constexpr double AMPS = 4.0;
-
-/** Takes the place of the viewer. */
-class NoViewer : public QObject
-{
-    Q_OBJECT
-
-public slots:
-    void slot_open(const QUrl&)
-    {
-    }
-};
 
 double processor_seconds()
 {
@@ -120,8 +108,7 @@ int main(int argc, char** argv)
     Settings::set_pdf_dir(folder.path());
     if (!Settings::save())  // the window loads them anew
         return 1;
-    NoViewer no_viewer;
-    QDesktopServices::setUrlHandler("file", &no_viewer, "slot_open");
+    const NoViewer no_viewer;
     const int cycles = QByteArray(argv[1]).toInt();
     const int points = QByteArray(argv[2]).toInt();
     const QString log = folder.filePath("Pack_1.csv");
@@ -155,5 +142,3 @@ int main(int argc, char** argv)
     std::printf("%.6f %.6f %.6f %.6f %.6f\n", start, scroll, tick, page, close);
     return 0;
 }
-
-#include "long.moc"
