@@ -71,7 +71,7 @@ Look Watch::look(const Moment& moment)
     }
     forget_old(moment);
     forecaster.read_on(folders, logs, answering);
-    const Look look = find_situations(moment);
+    Look look = find_situations(moment);
     remember();
     return look;
 }

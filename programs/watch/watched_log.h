@@ -78,7 +78,7 @@ private:
     void begin_events();
     void read_data(const Moment& moment);
     void read_events(const Moment& moment);
-    void take_event(const QByteArray& line, const Moment& moment);
+    void take_event(const QByteArray& text, const Moment& moment);
     Arrival arrival_of(const EventLine& line, const Moment& moment) const;
     void take_holder(const Holder& new_holder, const Moment& moment);
     void lose_holder(const Moment& moment, const LogHolders& holders);

@@ -12,4 +12,4 @@ Way desktop_way(QObject* owner);
 Way command_way(const QString& command, int seconds, QObject* owner);
 Way mail_way(const QString& address, QObject* owner, int seconds = 60);
 /** `patience_ms` is for one request, from its start to its end. */
-Way post_way(const QString& url, QObject* owner, int patience_ms = 30000);
+Way post_way(const QString& text, QObject* owner, int patience_ms = 30000);
