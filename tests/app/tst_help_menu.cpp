@@ -159,11 +159,12 @@ void HelpMenuTest::an_open_manual_does_not_keep_the_program_running()
     bench.trigger("actionHelp");
     QVERIFY(help_windows().first()->isVisible());
     const QSignalSpy last_closed(qApp, &QApplication::lastWindowClosed);
-    QTimer::singleShot(0, [&bench] {
-        bench.window->close();
-        // Where the program would go on.
-        QMetaObject::invokeMethod(qApp, &QApplication::quit, Qt::QueuedConnection);
-    });
+    QTimer closing;
+    closing.setSingleShot(true);
+    connect(&closing, &QTimer::timeout, [&bench] { bench.window->close(); });
+    // Where the program would go on.
+    connect(&closing, &QTimer::timeout, qApp, &QApplication::quit, Qt::QueuedConnection);
+    closing.start(0);
     QApplication::exec();
     QCOMPARE(last_closed.size(), 1);
 }

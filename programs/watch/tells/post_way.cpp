@@ -59,7 +59,10 @@ void Post::send(const QUrl& url)
     QNetworkReply* const reply = target.web->post(request, body);
     // A server that says something for ever, and one that says nothing, get the same time.
     connect(reply, &QNetworkReply::readyRead, reply, [reply] { reply->readAll(); });
-    QTimer::singleShot(target.patience_ms, reply, &QNetworkReply::abort);
+    auto* const patience = new QTimer(reply);
+    patience->setSingleShot(true);
+    connect(patience, &QTimer::timeout, reply, &QNetworkReply::abort);
+    patience->start(target.patience_ms);
     connect(reply, &QNetworkReply::sslErrors, this, [this](const QList<QSslError>& errors) {
         mistrust =
             QString("the certificate of the server is not trusted (%1). Its authority has to "
